@@ -1,0 +1,8 @@
+// Turns rings and lines into chains of mesh points.
+#include "run/phases.h"
+
+namespace tesseramill {
+
+void populate_boundaries(RunState&) {}
+
+}  // namespace tesseramill

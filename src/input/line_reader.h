@@ -1,0 +1,28 @@
+// Reads text files line by line for the input readers.  A line ends at LF; a
+// CR just before the LF (or before the end of the file) belongs to the line
+// ending.  Only the first `keep` characters of a line are kept; the rest is
+// dropped unseen.
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+namespace tesseramill {
+
+enum class LineStatus { kLine, kEnd, kError };
+
+struct LineReader {
+  std::FILE* file = nullptr;
+
+  LineReader() = default;
+  LineReader(const LineReader&) = delete;
+  LineReader& operator=(const LineReader&) = delete;
+  ~LineReader();
+};
+
+// Opens `name` for reading; false when the open fails.
+bool open_lines(LineReader& reader, const std::string& name);
+void close_lines(LineReader& reader);
+LineStatus read_line(LineReader& reader, std::string& line, std::size_t keep);
+
+}  // namespace tesseramill

@@ -1,0 +1,39 @@
+// The one place where numbers are given their fixed layouts for the screen and
+// the output files.
+//
+// Every layout is right-aligned in a field of `width` columns, filled with
+// blanks on the left.  A width of 0 gives exactly the columns the number
+// needs.  A number that does not fit its field fills the field with
+// asterisks.  The sign is written only for negative values, so a zero never
+// carries a minus sign.  Decimal digits are correctly rounded from the exact
+// binary value (ties to even), which makes the text the same on every build.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace tesseramill {
+
+// Plain integer: the digits and, if negative, a minus sign; no blanks.
+void append_integer(std::string& out, std::int64_t value);
+// Integer right-aligned in `width` columns.
+void append_integer(std::string& out, std::int64_t value, int width);
+
+// Fixed point with `decimals` digits behind the point; a value below 1 in
+// magnitude keeps its 0 before the point.
+void append_fixed(std::string& out, double value, int width, int decimals);
+
+// One-digit scientific form: d.ddddE+xx, where the digit before the point is
+// not 0 unless the value is 0.
+void append_scientific(std::string& out, double value, int width, int decimals);
+
+// Zero-led scientific form: 0.ddddE+xx, where the first decimal is not 0
+// unless the value is 0.
+void append_zero_led(std::string& out, double value, int width, int decimals);
+
+std::string format_integer(std::int64_t value, int width = 0);
+std::string format_fixed(double value, int width, int decimals);
+std::string format_scientific(double value, int width, int decimals);
+std::string format_zero_led(double value, int width, int decimals);
+
+}  // namespace tesseramill

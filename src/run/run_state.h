@@ -1,0 +1,44 @@
+// The one object of a run: everything read, computed and written hangs here
+// from the first phase to the last.
+#pragma once
+
+#include <array>
+#include <iosfwd>
+#include <string>
+
+#include "run/control_data.h"
+
+namespace tesseramill {
+
+// Block states of the control-file reader; they also index `block_names`.
+enum BlockState : int {
+  kNoBlock = 0,
+  kOuterBoundaryBlock = 1,
+  kInnerBoundaryBlock = 2,
+  kInnerPointsBlock = 3,
+  kInnerLineBlock = 4,
+  kInnerPolygonBlock = 5,
+  kMf6Block = 6,
+  kControlBlock = 10,
+};
+
+struct RunState {
+  std::ostream* screen = nullptr;
+
+  ControlData control;
+
+  std::string version_text;
+  std::string control_file_name;
+  double x_offset = 0.0;
+  double y_offset = 0.0;
+
+  std::string message_buffer;
+  std::string keyword_label;
+  std::string block_label;
+  std::string line_number_text;
+  std::string limit_text;
+  std::string value_token;
+  std::array<std::string, 11> block_names{};
+};
+
+}  // namespace tesseramill
