@@ -1,0 +1,94 @@
+#include "scratch.h"
+
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <unistd.h>
+
+namespace tesseramill_test {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string quoted(const std::string& text) {
+  std::string out = "'";
+  for (char c : text) {
+    if (c == '\'') {
+      out += "'\\''";
+    } else {
+      out += c;
+    }
+  }
+  return out + "'";
+}
+
+}  // namespace
+
+ScratchDir::ScratchDir() {
+  static std::atomic<int> serial{0};
+  path_ = fs::temp_directory_path() /
+          ("tesseramill_test_" + std::to_string(::getpid()) + "_" + std::to_string(serial++));
+  fs::remove_all(path_);
+  fs::create_directories(path_);
+}
+
+ScratchDir::~ScratchDir() {
+  std::error_code ignored;
+  fs::remove_all(path_, ignored);
+  fs::remove(path_.string() + ".screen", ignored);
+}
+
+void ScratchDir::write(const std::string& name, const std::string& content) const {
+  std::ofstream out(path_ / name, std::ios::binary);
+  out << content;
+}
+
+std::string ScratchDir::read(const std::string& name) const {
+  std::ifstream in(path_ / name, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+std::vector<std::string> ScratchDir::listing() const {
+  std::vector<std::string> names;
+  for (const auto& entry : fs::directory_iterator(path_)) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+RunResult run_binary(const ScratchDir& dir, const std::vector<std::string>& args) {
+  const std::string screen_file = dir.path().string() + ".screen";
+  std::string command = "cd " + quoted(dir.path().string()) + " && " + quoted(TESSERAMILL_BINARY);
+  for (const std::string& arg : args) command += " " + quoted(arg);
+  command += " > " + quoted(screen_file) + " 2>&1 < /dev/null";
+  int raw = std::system(command.c_str());
+  RunResult result;
+  result.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+  std::ifstream in(screen_file, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  result.screen = text.str();
+  return result;
+}
+
+RunResult run_on_control(const std::string& control) {
+  ScratchDir dir;
+  dir.write("t.in", control);
+  return run_binary(dir, {"t.in"});
+}
+
+std::string banner() { return "\n TESSERAMILL version 1.21 by Larkspur Analytics.\n"; }
+
+std::string reading(const std::string& file) {
+  return banner() + "\n - reading file " + file + "...\n";
+}
+
+}  // namespace tesseramill_test

@@ -1,0 +1,43 @@
+// Helpers for tests that run the built program in a scratch folder.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace tesseramill_test {
+
+// A fresh, empty folder that is removed again with everything in it.
+class ScratchDir {
+ public:
+  ScratchDir();
+  ~ScratchDir();
+  ScratchDir(const ScratchDir&) = delete;
+  ScratchDir& operator=(const ScratchDir&) = delete;
+
+  const std::filesystem::path& path() const { return path_; }
+  void write(const std::string& name, const std::string& content) const;
+  std::string read(const std::string& name) const;
+  std::vector<std::string> listing() const;
+
+ private:
+  std::filesystem::path path_;
+};
+
+struct RunResult {
+  std::string screen;
+  int status = -1;
+};
+
+// Runs the tesseramill executable in `dir` with the given arguments.
+RunResult run_binary(const ScratchDir& dir, const std::vector<std::string>& args);
+
+// Writes `control` as t.in into a new scratch folder and runs the program on it.
+RunResult run_on_control(const std::string& control);
+
+// The screen text that every run starts with.
+std::string banner();
+// Banner plus the first line of reading the control file.
+std::string reading(const std::string& file);
+
+}  // namespace tesseramill_test
