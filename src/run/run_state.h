@@ -6,6 +6,9 @@
 #include <iosfwd>
 #include <string>
 
+#include <vector>
+
+#include "input/boundary_ring.h"
 #include "run/control_data.h"
 
 namespace tesseramill {
@@ -39,6 +42,17 @@ struct RunState {
   std::string limit_text;
   std::string value_token;
   std::array<std::string, 11> block_names{};
+
+  // Geometry read from the BLN files, shifted by x_offset and y_offset.
+  BoundaryRing outer_boundary;
+  std::vector<BoundaryRing> inner_boundaries;
+  std::vector<BoundaryRing> inner_lines;
+  std::vector<BoundaryRing> inner_polygons;
+  std::vector<PointSet> inner_point_sets;
+
+  // The smallest of the run's maximum separations; below it the caps of the
+  // separation field cannot matter.
+  double smallest_max_separation = 0.0;
 };
 
 }  // namespace tesseramill

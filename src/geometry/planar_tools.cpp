@@ -1,0 +1,78 @@
+#include "geometry/planar_tools.h"
+
+#include <cmath>
+
+#include "geometry/point_in_polygon.h"
+
+namespace tesseramill {
+
+namespace {
+
+PolygonLocation locate(double x, double y, const BoundaryRing& ring) {
+  return point_in_polygon(x, y, ring.vertices.data(), ring.vertex_count);
+}
+
+// True when some segment of the ring's input vertices lies closer than
+// `clearance` to (x, y).
+bool ring_too_close(const BoundaryRing& ring, double x, double y, double clearance) {
+  const double* v = ring.vertices.data();
+  for (std::int32_t j = 0; j + 1 < ring.vertex_count; ++j) {
+    if (clearance > distance_to_segment(x, y, v[2 * j], v[2 * j + 1], v[2 * j + 2], v[2 * j + 3])) {
+      return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
+bool point_in_domain(const RunState& state, double x, double y) {
+  if (locate(x, y, state.outer_boundary).location != 1) return false;
+  for (const BoundaryRing& ring : state.inner_boundaries) {
+    if (locate(x, y, ring).location >= 0) return false;
+  }
+  return true;
+}
+
+double distance_to_segment(double x, double y, double x1, double y1, double x2, double y2) {
+  const double dx = x2 - x1;
+  const double dy = y2 - y1;
+  const double t = ((y - y1) * dy + (x - x1) * dx) / (dy * dy + dx * dx);
+  double px;
+  double py;
+  if (t < 0.0) {
+    px = x1;
+    py = y1;
+  } else if (t > 1.0) {
+    px = x2;
+    py = y2;
+  } else {
+    px = x1 + t * dx;
+    py = y1 + t * dy;
+  }
+  const double ex = x - px;
+  const double ey = y - py;
+  return std::sqrt(ex * ex + ey * ey);
+}
+
+bool line_point_clear(const RunState& state, double x, double y, double clearance,
+                      std::int32_t line_number) {
+  if (!point_in_domain(state, x, y)) return false;
+  if (ring_too_close(state.outer_boundary, x, y, clearance)) return false;
+  for (const BoundaryRing& ring : state.inner_boundaries) {
+    if (ring_too_close(ring, x, y, clearance)) return false;
+  }
+  if (state.inner_lines.size() < 2 || line_number < 2) return true;
+  for (std::int32_t k = 0; k < line_number - 1; ++k) {
+    const BoundaryRing& line = state.inner_lines[static_cast<std::size_t>(k)];
+    for (std::int32_t j = 0; j < line.point_count; ++j) {
+      if (line.point_mesh_index[static_cast<std::size_t>(j)] == 0) continue;
+      const double dx = x - line.points[2 * j];
+      const double dy = y - line.points[2 * j + 1];
+      if (clearance > std::sqrt(dx * dx + dy * dy)) return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace tesseramill
