@@ -2,6 +2,7 @@
 // separations, and the shift of every coordinate.
 #include <ostream>
 
+#include "emplacement/interior_emplacement.h"
 #include "input/bln_reader.h"
 #include "input/coordinate_shift.h"
 #include "run/phases.h"
@@ -62,6 +63,7 @@ void read_boundary_files(RunState& state) {
   // has been reported read, since the emplacement grid is sized from NSDIM.
   if (c.max_lloyd < 0) c.max_lloyd = kDefaultMaxLloyd;
   if (c.nsdim < 0) c.nsdim = kDefaultNsdim;
+  create_emplacement_grid(state);
 
   read_ring_file(state, c.outer_boundary_file, state.outer_boundary, true);
 

@@ -8,6 +8,7 @@
 
 #include <vector>
 
+#include "emplacement/mesh_point_list.h"
 #include "input/boundary_ring.h"
 #include "run/control_data.h"
 
@@ -53,6 +54,9 @@ struct RunState {
   // The smallest of the run's maximum separations; below it the caps of the
   // separation field cannot matter.
   double smallest_max_separation = 0.0;
+
+  MeshPointList mesh;
+  EmplacementGrid grid;
 };
 
 }  // namespace tesseramill
