@@ -92,3 +92,15 @@ std::string reading(const std::string& file) {
 }
 
 }  // namespace tesseramill_test
+
+namespace tesseramill_test {
+
+void copy_model(const ScratchDir& dir, const std::string& model) {
+  const std::filesystem::path source = std::filesystem::path(TESSERAMILL_SOURCE_DIR) / "tests" / "models" / model;
+  for (const auto& entry : std::filesystem::directory_iterator(source)) {
+    std::filesystem::copy_file(entry.path(), dir.path() / entry.path().filename(),
+                               std::filesystem::copy_options::overwrite_existing);
+  }
+}
+
+}  // namespace tesseramill_test

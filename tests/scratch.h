@@ -41,3 +41,10 @@ std::string banner();
 std::string reading(const std::string& file);
 
 }  // namespace tesseramill_test
+
+namespace tesseramill_test {
+
+// Copies every file of tests/models/<model> into `dir`.
+void copy_model(const ScratchDir& dir, const std::string& model);
+
+}  // namespace tesseramill_test

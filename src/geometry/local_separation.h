@@ -8,6 +8,14 @@ namespace tesseramill {
 // sources (inner points and populated chain points), each growing away from
 // its own separation at the rate `growth`, capped by the inner polygons that
 // hold the point and by MAX_CENTROID_SEPARATION.
+//
+// This version skips the logarithm and power of a source whenever the
+// source provably cannot lower the result, or provably gives its own
+// separation; it returns the same bits as local_separation_reference.
 double local_separation(const RunState& state, double x, double y, double growth);
+
+// The field worked out source by source exactly as defined, with a
+// logarithm and a power for every source.
+double local_separation_reference(const RunState& state, double x, double y, double growth);
 
 }  // namespace tesseramill
