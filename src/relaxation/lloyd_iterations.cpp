@@ -1,8 +1,110 @@
-// Triangulates, builds the cells and relaxes the free mesh points.
+// The Lloyd loop: each pass triangulates the mesh points, builds and
+// measures the cells, and moves every free point part of the way towards
+// the centroid of its own cell.
+#include <cmath>
+#include <ostream>
+
+#include "geometry/planar_tools.h"
+#include "output/iteration_files.h"
+#include "output/number_format.h"
+#include "relaxation/cell_polygons.h"
+#include "relaxation/lloyd_step.h"
 #include "run/phases.h"
+#include "triangulation/triangulate_points.h"
 
 namespace tesseramill {
 
-void lloyd_iterations(RunState&) {}
+bool iteration_files_due(const RunState& state) {
+  return state.lloyd_iteration == 0 || state.lloyd_iteration == state.control.max_lloyd ||
+         state.lloyd_last_pass;
+}
+
+std::int32_t first_free_point(const RunState& state) {
+  const std::int32_t inner_points = state.inner_point_sets.empty() ? 0 : state.inner_point_sets[0].count;
+  std::int32_t sum = inner_points + state.outer_boundary.point_count;
+  for (const BoundaryRing& ring : state.inner_boundaries) sum += ring.point_count - 1;
+  for (const BoundaryRing& line : state.inner_lines) sum += line.point_count - line.omitted_count;
+  return sum + 6 * inner_points;
+}
+
+PassMeasure measure_pass(const RunState& state) {
+  PassMeasure m;
+  const std::vector<double>& points = state.mesh.mesh_points;
+  const CellTables& cells = state.cells;
+  for (std::int32_t p = first_free_point(state); p <= state.mesh.mesh_point_count; ++p) {
+    const std::size_t k = static_cast<std::size_t>(p - 1);
+    const double dx = points[2 * k] - cells.cell_centroid[2 * k];
+    const double dy = points[2 * k + 1] - cells.cell_centroid[2 * k + 1];
+    const double dist2 = dx * dx + dy * dy;
+    const double d = std::sqrt(dist2 / std::fabs(cells.cell_area[k]));
+    m.sum += d;
+    m.worst = std::max(m.worst, d);
+    m.count += 1;
+    m.last_d = d;
+  }
+  return m;
+}
+
+std::string pass_line(std::int32_t iteration, const PassMeasure& m) {
+  std::string line = "   itn " + std::to_string(iteration) + ": max/ave normalized pt-to-centroid dist = [";
+  if (m.count == 0) {
+    // With no free point there is no distance to measure.
+    line += "0.00000E+00,0.00000E+00]";
+    return line;
+  }
+  append_scientific(line, m.worst, 0, 5);
+  line += ",";
+  append_scientific(line, m.sum / m.count, 0, 5);
+  line += "]";
+  return line;
+}
+
+void move_free_points(RunState& state, double stay_fac) {
+  const double lloyd_fac = state.control.lloyd_fac;
+  std::vector<double>& points = state.mesh.mesh_points;
+  const CellTables& cells = state.cells;
+  for (std::int32_t p = first_free_point(state); p <= state.mesh.mesh_point_count; ++p) {
+    const std::size_t k = static_cast<std::size_t>(p - 1);
+    const double cx = cells.cell_centroid[2 * k];
+    const double cy = cells.cell_centroid[2 * k + 1];
+    if (!point_in_domain(state, cx, cy)) continue;
+    points[2 * k] = points[2 * k] * stay_fac + cx * lloyd_fac;
+    points[2 * k + 1] = points[2 * k + 1] * stay_fac + cy * lloyd_fac;
+  }
+}
+
+void lloyd_iterations(RunState& state) {
+  std::ostream& screen = *state.screen;
+  state.lloyd_iteration = 0;
+  state.lloyd_last_pass = false;
+  const double stay_fac = 1.0 - state.control.lloyd_fac;
+  for (;;) {
+    triangulate_points(state);
+    const bool files_due = iteration_files_due(state);
+    if (files_due) write_triangle_map_files(state);
+    build_connected_triangles(state);
+    order_connected_triangles(state);
+    assemble_cell_polygons(state);
+    measure_cells(state);
+    if (files_due) {
+      write_polygon_map_files(state);
+      write_polygon_bln_file(state);
+      write_polygon_centroid_table(state);
+    }
+    const PassMeasure m = measure_pass(state);
+    screen << pass_line(state.lloyd_iteration, m) << "\n";
+    if (state.lloyd_iteration == state.control.max_lloyd) {
+      screen << "\n - Lloyd iteration count of " << state.control.max_lloyd << " reached\n\n";
+      return;
+    }
+    if (state.lloyd_last_pass) {
+      screen << "\n - Lloyd convergence criterion reached.\n\n";
+      return;
+    }
+    if (m.count > 0 && state.control.eps_lloyd >= m.last_d) state.lloyd_last_pass = true;
+    move_free_points(state, stay_fac);
+    state.lloyd_iteration += 1;
+  }
+}
 
 }  // namespace tesseramill

@@ -10,7 +10,9 @@
 
 #include "emplacement/mesh_point_list.h"
 #include "input/boundary_ring.h"
+#include "relaxation/cell_tables.h"
 #include "run/control_data.h"
+#include "triangulation/triangle_table.h"
 
 namespace tesseramill {
 
@@ -57,6 +59,13 @@ struct RunState {
 
   MeshPointList mesh;
   EmplacementGrid grid;
+
+  // The Lloyd loop: the pass being made, and the tables of that pass.
+  std::int32_t lloyd_iteration = 0;
+  bool lloyd_last_pass = false;
+  std::string iteration_stamp;
+  TriangleTable triangles;
+  CellTables cells;
 };
 
 }  // namespace tesseramill

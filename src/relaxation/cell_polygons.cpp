@@ -1,0 +1,316 @@
+#include "relaxation/cell_polygons.h"
+
+#include <cmath>
+
+#include "run/failure.h"
+#include "run/text_tools.h"
+
+namespace tesseramill {
+
+namespace {
+
+std::int32_t* column(RunState& state, std::int32_t p) {
+  TriangleTable& tt = state.triangles;
+  return tt.connected_triangles.data() + static_cast<std::size_t>(p - 1) * static_cast<std::size_t>(tt.row_capacity);
+}
+
+std::int32_t neighbour_of(const TriangleTable& tt, std::int32_t e, std::int32_t t) {
+  return tt.tri_neighbour[3 * static_cast<std::size_t>(t - 1) + static_cast<std::size_t>(e - 1)];
+}
+
+// Position (0-based) of `t` among the first `c` entries of `col`, or -1.
+std::int32_t find_in(const std::int32_t* col, std::int32_t c, std::int32_t t) {
+  for (std::int32_t m = 0; m < c; ++m) {
+    if (col[m] == t) return m;
+  }
+  return -1;
+}
+
+[[noreturn]] void fail_sub_optimal(RunState& state) {
+  fail(state, "Sub-optimal triangulation. This can sometimes be rectified by decreasing requested cell "
+              "density along inner lines (especially if close to model boundary) or increasing "
+              "requested cell density along outer polygonal boundary.");
+}
+
+void order_fan(RunState& state, std::int32_t p) {
+  const TriangleTable& tt = state.triangles;
+  const std::int32_t c = tt.point_tri_count[static_cast<std::size_t>(p - 1)];
+  std::int32_t* col = column(state, p);
+  std::int32_t* work = state.mesh.work_list.data();
+
+  std::int32_t start = 0;
+  for (std::int32_t m = 0; m < c; ++m) {
+    const std::int32_t t = col[m];
+    int matches = 0;
+    for (std::int32_t e = 1; e <= 3; ++e) {
+      if (find_in(col, c, neighbour_of(tt, e, t)) >= 0) ++matches;
+    }
+    if (matches == 1) {
+      start = m;
+      break;
+    }
+    if (matches == 3) {
+      fail(state, "Connection anomaly for connected triangle " + int_to_text(m + 1) + "of point " +
+                      int_to_text(p) + ".");
+    }
+  }
+  work[0] = col[start];
+  col[start] = 0;
+  if (c > 2) {
+    for (std::int32_t i = 1; i < c - 1; ++i) {
+      const std::int32_t t = work[i - 1];
+      bool taken = false;
+      for (std::int32_t e = 1; e <= 3 && !taken; ++e) {
+        const std::int32_t next = neighbour_of(tt, e, t);
+        const std::int32_t at = find_in(col, c, next);
+        if (at >= 0 && next > 0) {
+          work[i] = next;
+          col[at] = 0;
+          taken = true;
+        }
+      }
+      if (!taken) fail(state, "Missing triangle local neighbour: cell = " + int_to_text(p));
+    }
+  }
+  if (c != 1) {
+    std::int32_t last = -1;
+    for (std::int32_t m = 0; m < c; ++m) {
+      if (col[m] != 0) {
+        last = m;
+        break;
+      }
+    }
+    if (last < 0) fail_sub_optimal(state);
+    work[c - 1] = col[last];
+  }
+  for (std::int32_t m = 0; m < c; ++m) col[m] = work[m];
+}
+
+struct CellCursor {
+  std::int32_t last_point = 0;
+  std::int32_t last_vertex = 0;
+};
+
+void put_corner(CellTables& cells, std::int32_t position, double x, double y, std::int32_t code) {
+  cells.cell_vertices[2 * static_cast<std::size_t>(position - 1)] = x;
+  cells.cell_vertices[2 * static_cast<std::size_t>(position - 1) + 1] = y;
+  cells.cell_vertex_code[static_cast<std::size_t>(position - 1)] = code;
+}
+
+void plain_cell(RunState& state, CellCursor& cursor, std::int32_t p, std::int32_t reported_number) {
+  CellTables& cells = state.cells;
+  const TriangleTable& tt = state.triangles;
+  const std::int32_t c = tt.point_tri_count[static_cast<std::size_t>(p - 1)];
+  cells.cell_vertex_count[static_cast<std::size_t>(p - 1)] = c;
+  cells.cell_first_vertex[static_cast<std::size_t>(p - 1)] = cursor.last_vertex + 1;
+  if (c < 2) {
+    fail(state, "Only a single triangle, or zero triangles, is connected to emplaced point number " +
+                    int_to_text(reported_number) + ". This is an internal point.");
+  }
+  const std::int32_t* col = column(state, p);
+  for (std::int32_t k = 1; k <= c; ++k) {
+    const std::int32_t t = col[k - 1];
+    put_corner(cells, cursor.last_vertex + k, tt.tri_centroid[2 * static_cast<std::size_t>(t - 1)],
+               tt.tri_centroid[2 * static_cast<std::size_t>(t - 1) + 1], t);
+  }
+  cursor.last_vertex += c;
+  cursor.last_point = p;
+}
+
+// Builds the cells of one ring's points.  Returns false, with the message
+// in message_buffer, when a fan touches neither ring neighbour.
+bool populate_boundary_with_polys(RunState& state, CellCursor& cursor, const BoundaryRing& ring) {
+  CellTables& cells = state.cells;
+  const TriangleTable& tt = state.triangles;
+  const std::vector<double>& mesh = state.mesh.mesh_points;
+  const std::int32_t big_n = ring.point_count;
+  if (big_n <= 1) {
+    cells.edge_code_base += 2 * big_n - 2;
+    return true;
+  }
+  for (std::int32_t i = 1; i <= big_n - 1; ++i) {
+    const std::int32_t p = cursor.last_point + 1;
+    const std::int32_t c = tt.point_tri_count[static_cast<std::size_t>(p - 1)];
+    cells.cell_vertex_count[static_cast<std::size_t>(p - 1)] = c + 3;
+    cells.cell_first_vertex[static_cast<std::size_t>(p - 1)] = cursor.last_vertex + 1;
+
+    std::int32_t prev_pos;
+    std::int32_t prev_point;
+    std::int32_t next_pos;
+    std::int32_t next_point;
+    if (i == 1) {
+      prev_pos = big_n - 1;
+      prev_point = ring.point_mesh_index[static_cast<std::size_t>(big_n - 2)];
+      next_pos = 2;
+      next_point = p + 1;
+    } else if (i == big_n - 1) {
+      prev_pos = big_n - 2;
+      prev_point = p - 1;
+      next_pos = 1;
+      next_point = ring.point_mesh_index[0];
+    } else {
+      prev_pos = i - 1;
+      prev_point = p - 1;
+      next_pos = i + 1;
+      next_point = p + 1;
+    }
+
+    const std::int32_t* col = column(state, p);
+    const std::int32_t t1 = col[0];
+    int starts_at = 0;  // +1 next neighbour, -1 previous neighbour
+    for (std::int32_t e = 1; e <= 3 && starts_at == 0; ++e) {
+      const std::int32_t corner = tt.tri_vertex[3 * static_cast<std::size_t>(t1 - 1) + static_cast<std::size_t>(e - 1)];
+      if (corner == next_point) {
+        starts_at = 1;
+      } else if (corner == prev_point) {
+        starts_at = -1;
+      }
+    }
+    if (starts_at == 0) {
+      cursor.last_point = p;
+      state.message_buffer =
+          "Conceptual error in function populate_boundary_with_polys(). If this occurs during Lloyd "
+          "iterations, consider reducing the LLOYD_FAC control variable.";
+      return false;
+    }
+    const std::int32_t code_prev = 2 * prev_pos;
+    const std::int32_t code_next = 2 * next_pos - 2 == 0 ? 2 * big_n - 2 : 2 * next_pos - 2;
+    const std::int32_t first_pos = starts_at == 1 ? next_pos : prev_pos;
+    const std::int32_t last_pos = starts_at == 1 ? prev_pos : next_pos;
+    const std::int32_t first_code = starts_at == 1 ? code_next : code_prev;
+    const std::int32_t last_code = starts_at == 1 ? code_prev : code_next;
+
+    const double px = mesh[2 * static_cast<std::size_t>(p - 1)];
+    const double py = mesh[2 * static_cast<std::size_t>(p - 1) + 1];
+    const double fx = ring.points[2 * static_cast<std::size_t>(first_pos - 1)];
+    const double fy = ring.points[2 * static_cast<std::size_t>(first_pos - 1) + 1];
+    const double lx = ring.points[2 * static_cast<std::size_t>(last_pos - 1)];
+    const double ly = ring.points[2 * static_cast<std::size_t>(last_pos - 1) + 1];
+    const std::int32_t base = cursor.last_vertex;
+    const std::int32_t ecb = cells.edge_code_base;
+    put_corner(cells, base + 1, px, py, -(ecb + 2 * i - 1));
+    const double mx = (fx + px) * 0.5;
+    const double my = (fy + py) * 0.5;
+    put_corner(cells, base + 2, mx, my, -(ecb + first_code));
+    for (std::int32_t k = 1; k <= c; ++k) {
+      const std::int32_t t = col[k - 1];
+      put_corner(cells, base + 2 + k, tt.tri_centroid[2 * static_cast<std::size_t>(t - 1)],
+                 tt.tri_centroid[2 * static_cast<std::size_t>(t - 1) + 1], t);
+    }
+    put_corner(cells, base + c + 3, (lx + px) * 0.5, (ly + py) * 0.5, -(ecb + last_code));
+    const double dx = mx - px;
+    const double dy = my - py;
+    cells.boundary_spacing[static_cast<std::size_t>(p - 1)] = 2.0 * std::sqrt(dx * dx + dy * dy);
+    cursor.last_vertex += c + 3;
+    cursor.last_point = p;
+  }
+  cells.edge_code_base += 2 * big_n - 2;
+  return true;
+}
+
+// Makes sure the cell tables can hold this pass's cells.
+void size_cell_tables(RunState& state) {
+  CellTables& cells = state.cells;
+  const TriangleTable& tt = state.triangles;
+  const std::size_t n = static_cast<std::size_t>(state.mesh.mesh_point_count);
+  std::size_t total = 0;
+  for (std::size_t p = 0; p < n; ++p) total += static_cast<std::size_t>(tt.point_tri_count[p]);
+  std::size_t ring_points = state.outer_boundary.point_count > 1 ? state.outer_boundary.point_count - 1 : 0;
+  for (const BoundaryRing& ring : state.inner_boundaries) {
+    ring_points += ring.point_count > 1 ? static_cast<std::size_t>(ring.point_count - 1) : 0;
+  }
+  total += 3 * ring_points;
+  if (cells.cell_vertex_count.size() != n) {
+    cells.cell_vertex_count.assign(n, 0);
+    cells.cell_first_vertex.assign(n, 0);
+    cells.cell_centroid.assign(2 * n, 0.0);
+    cells.cell_area.assign(n, 0.0);
+    cells.boundary_spacing.assign(n, 0.0);
+    cells.polygon_buffer.assign(2 * static_cast<std::size_t>(kMaxPolyVert), 0.0);
+  }
+  if (cells.cell_vertex_code.size() < total) {
+    cells.cell_vertices.resize(2 * total, 0.0);
+    cells.cell_vertex_code.resize(total, 0);
+  }
+}
+
+}  // namespace
+
+void order_connected_triangles(RunState& state) {
+  for (std::int32_t p = 1; p <= state.mesh.mesh_point_count; ++p) order_fan(state, p);
+}
+
+void assemble_cell_polygons(RunState& state) {
+  size_cell_tables(state);
+  CellCursor cursor;
+  state.cells.edge_code_base = 0;
+  const std::int32_t n = state.mesh.mesh_point_count;
+  for (const PointSet& points : state.inner_point_sets) {
+    for (std::int32_t k = 0; k < points.count; ++k) {
+      // An inner point that fails is reported by the number after the last
+      // mesh point, whichever inner point it was.
+      plain_cell(state, cursor, cursor.last_point + 1, n + 1);
+    }
+  }
+  if (!populate_boundary_with_polys(state, cursor, state.outer_boundary)) throw RunFailure{};
+  for (const BoundaryRing& ring : state.inner_boundaries) {
+    if (!populate_boundary_with_polys(state, cursor, ring)) throw RunFailure{};
+  }
+  for (std::int32_t p = cursor.last_point + 1; p <= n; ++p) plain_cell(state, cursor, p, p);
+}
+
+void measure_cells(RunState& state) {
+  CellTables& cells = state.cells;
+  for (std::int32_t p = 1; p <= state.mesh.mesh_point_count; ++p) {
+    const std::size_t k = static_cast<std::size_t>(p - 1);
+    const std::int32_t v = cells.cell_vertex_count[k];
+    if (v > kMaxPolyVert) {
+      fail(state, "Maximum permitted vertices in any one Voronoi polygon is 100. Increase MAXPOLYVERT "
+                  "and recompile program.");
+    }
+    const std::size_t first = 2 * static_cast<std::size_t>(cells.cell_first_vertex[k] - 1);
+    std::copy(cells.cell_vertices.begin() + static_cast<std::ptrdiff_t>(first),
+              cells.cell_vertices.begin() + static_cast<std::ptrdiff_t>(first + 2 * static_cast<std::size_t>(v)),
+              cells.polygon_buffer.begin());
+    const AreaCentroid result = polygon_area_centroid(v, cells.polygon_buffer.data());
+    cells.cell_centroid[2 * k] = result.x;
+    cells.cell_centroid[2 * k + 1] = result.y;
+    cells.cell_area[k] = result.area;
+    if (result.area == 0.0) {
+      fail(state, "The area of the Voronoi polygon associated with cell number " + int_to_text(p) +
+                      " is zero.");
+    }
+  }
+}
+
+AreaCentroid polygon_area_centroid(std::int32_t count, double* corners) {
+  AreaCentroid result;
+  if (count < 1) return result;
+  const double x0 = corners[2 * (count - 1)];
+  const double y0 = corners[2 * (count - 1) + 1];
+  for (std::int32_t i = 0; i < count; ++i) {
+    corners[2 * i] -= x0;
+    corners[2 * i + 1] -= y0;
+  }
+  double a = 0.0;
+  double sx = 0.0;
+  double sy = 0.0;
+  for (std::int32_t i = 0; i + 1 < count; ++i) {
+    const double xi = corners[2 * i];
+    const double yi = corners[2 * i + 1];
+    const double xj = corners[2 * i + 2];
+    const double yj = corners[2 * i + 3];
+    const double cross = xi * yj - xj * yi;
+    a += cross;
+    sx += (xi + xj) * cross;
+    sy += (yi + yj) * cross;
+  }
+  result.area = 0.5 * a;
+  if (result.area == 0.0) return result;
+  const double f = 0.3333333333333333 / a;
+  result.x = sx * f + x0;
+  result.y = sy * f + y0;
+  return result;
+}
+
+}  // namespace tesseramill

@@ -1,0 +1,382 @@
+#include "triangulation/dtris2.h"
+
+#include <algorithm>
+#include <cmath>
+#include <ostream>
+
+#include "output/number_format.h"
+
+namespace tesseramill {
+
+namespace {
+
+constexpr double kTol = kTriangulationTolerance;
+
+bool coordinates_differ(double a, double b) {
+  const double larger = std::max(std::fabs(a), std::fabs(b));
+  return std::fabs(a - b) > kTol * larger && larger > kTol;
+}
+
+// The working view of one call: 1-based access to points and tables.
+struct Mesh {
+  const double* points;
+  std::int32_t* sort_index;
+  std::int32_t* tri_vertex;
+  std::int32_t* tri_neighbour;
+  std::int32_t* stack;
+  std::ostream& screen;
+
+  const double* point(std::int32_t k) const { return points + 2 * static_cast<std::size_t>(k - 1); }
+  std::int32_t& sorted(std::int32_t i) { return sort_index[i - 1]; }
+  std::int32_t& vertex(std::int32_t e, std::int32_t t) { return tri_vertex[3 * static_cast<std::size_t>(t - 1) + (e - 1)]; }
+  std::int32_t& neighbour(std::int32_t e, std::int32_t t) {
+    return tri_neighbour[3 * static_cast<std::size_t>(t - 1) + (e - 1)];
+  }
+};
+
+void sift_down(Mesh& m, std::int32_t l, std::int32_t u) {
+  const std::int32_t t = m.sorted(l);
+  std::int32_t p = l;
+  while (2 * p <= u) {
+    std::int32_t c = 2 * p;
+    if (c < u && points_less(m.point(m.sorted(c)), m.point(m.sorted(c + 1)))) c = c + 1;
+    if (points_less(m.point(m.sorted(c)), m.point(t))) break;
+    m.sorted(p) = m.sorted(c);
+    p = c;
+  }
+  m.sorted(p) = t;
+}
+
+void print_fatal(std::ostream& screen, const char* routine, const char* text) {
+  screen << " \n" << routine << " - Fatal error!\n" << text << "\n";
+}
+
+// Finds the first and last hull edges that the point sees.
+void visible_boundary_edges(Mesh& m, double x, double y, std::int32_t& ltri, std::int32_t& ledg,
+                            std::int32_t& rtri, std::int32_t& redg) {
+  bool left_walk = false;
+  if (ltri == 0) {
+    ltri = rtri;
+    ledg = redg;
+    left_walk = true;
+  }
+  for (;;) {
+    const std::int32_t l = -m.neighbour(redg, rtri);
+    const std::int32_t t = l / 3;
+    const std::int32_t e = l % 3 + 1;
+    const std::int32_t a = m.vertex(e, t);
+    const std::int32_t b = e <= 2 ? m.vertex(e + 1, t) : m.vertex(1, t);
+    if (side_of_line(x, y, m.point(a), m.point(b)) != 1) break;
+    rtri = t;
+    redg = e;
+  }
+  if (!left_walk) return;
+  std::int32_t t = ltri;
+  std::int32_t e = ledg;
+  for (;;) {
+    const std::int32_t b = m.vertex(e, t);
+    e = I4_MODP(e - 2, 3) + 1;
+    while (m.neighbour(e, t) > 0) {
+      t = m.neighbour(e, t);
+      if (m.vertex(1, t) == b) {
+        e = 3;
+      } else if (m.vertex(2, t) == b) {
+        e = 1;
+      } else {
+        e = 2;
+      }
+    }
+    const std::int32_t a = m.vertex(e, t);
+    if (side_of_line(x, y, m.point(a), m.point(b)) != 1) break;
+  }
+  ltri = t;
+  ledg = e;
+}
+
+// Replaces `from` by `to` among the neighbours of triangle `t`, first match.
+void replace_neighbour(Mesh& m, std::int32_t t, std::int32_t from, std::int32_t to) {
+  for (std::int32_t e = 1; e <= 3; ++e) {
+    if (m.neighbour(e, t) == from) {
+      m.neighbour(e, t) = to;
+      return;
+    }
+  }
+}
+
+// Walks from edge `e` of triangle `t` round the vertex `pivot` through inner
+// triangles to the hull edge there, and stores the hull link `link` in it.
+void store_hull_link(Mesh& m, std::int32_t t, std::int32_t e, std::int32_t pivot, std::int32_t link) {
+  while (m.neighbour(e, t) > 0) {
+    t = m.neighbour(e, t);
+    if (m.vertex(1, t) == pivot) {
+      e = 3;
+    } else if (m.vertex(2, t) == pivot) {
+      e = 1;
+    } else {
+      e = 2;
+    }
+  }
+  m.neighbour(e, t) = link;
+}
+
+int SWAPEC(Mesh& m, std::int32_t i, std::int32_t& top, std::int32_t maxst, std::int32_t& btri,
+           std::int32_t& bedg) {
+  const double* pi = m.point(i);
+  while (top > 0) {
+    const std::int32_t t = m.stack[top - 1];
+    top -= 1;
+    std::int32_t e;
+    std::int32_t b;
+    if (m.vertex(1, t) == i) {
+      e = 2;
+      b = m.vertex(3, t);
+    } else if (m.vertex(2, t) == i) {
+      e = 3;
+      b = m.vertex(1, t);
+    } else {
+      e = 1;
+      b = m.vertex(2, t);
+    }
+    const std::int32_t a = m.vertex(e, t);
+    const std::int32_t u = m.neighbour(e, t);
+    std::int32_t f;
+    std::int32_t c;
+    if (m.neighbour(1, u) == t) {
+      f = 1;
+      c = m.vertex(3, u);
+    } else if (m.neighbour(2, u) == t) {
+      f = 2;
+      c = m.vertex(1, u);
+    } else {
+      f = 3;
+      c = m.vertex(2, u);
+    }
+    if (diagonal_test(pi, m.point(a), m.point(c), m.point(b)) != 1) continue;
+
+    const std::int32_t em1 = I4_MODP(e - 2, 3) + 1;
+    const std::int32_t ep1 = I4_MODP(e, 3) + 1;
+    const std::int32_t fm1 = I4_MODP(f - 2, 3) + 1;
+    const std::int32_t fp1 = I4_MODP(f, 3) + 1;
+    m.vertex(ep1, t) = c;
+    m.vertex(fp1, u) = i;
+    const std::int32_t r = m.neighbour(ep1, t);
+    const std::int32_t s = m.neighbour(fp1, u);
+    m.neighbour(ep1, t) = u;
+    m.neighbour(fp1, u) = t;
+    m.neighbour(e, t) = s;
+    m.neighbour(f, u) = r;
+    if (m.neighbour(fm1, u) > 0) {
+      top += 1;
+      m.stack[top - 1] = u;
+    }
+    if (s > 0) {
+      replace_neighbour(m, s, u, t);
+      top += 1;
+      if (top > maxst) {
+        print_fatal(m.screen, "SWAPEC", "  Ran out of stack storage.");
+        m.screen << "  MAXST = " << format_integer(maxst, 6) << "\n  TOP =   " << format_integer(top, 6)
+                 << "\n";
+        return 8;
+      }
+      m.stack[top - 1] = t;
+    } else {
+      if (u == btri && fp1 == bedg) {
+        btri = t;
+        bedg = e;
+      }
+      store_hull_link(m, t, em1, a, -(3 * t + e - 1));
+    }
+    if (r > 0) {
+      replace_neighbour(m, r, t, u);
+    } else {
+      if (t == btri && ep1 == bedg) {
+        btri = u;
+        bedg = f;
+      }
+      store_hull_link(m, u, fm1, b, -(3 * u + f - 1));
+    }
+  }
+  return 0;
+}
+
+void make_first_fan(Mesh& m, std::int32_t j, std::int32_t side, std::int32_t& triangle_count,
+                    std::int32_t& ltri, std::int32_t& ledg) {
+  const std::int32_t big_t = j - 2;
+  const std::int32_t mp = m.sorted(j);
+  for (std::int32_t i = 1; i <= big_t; ++i) {
+    if (side == -1) {
+      m.vertex(1, i) = m.sorted(i);
+      m.vertex(2, i) = m.sorted(i + 1);
+      m.vertex(3, i) = mp;
+      m.neighbour(1, i) = i < big_t ? -3 * (i + 1) : -3 * big_t - 1;
+      m.neighbour(2, i) = i < big_t ? i + 1 : -5;
+      m.neighbour(3, i) = i == 1 ? -3 : i - 1;
+    } else {
+      m.vertex(1, i) = m.sorted(i + 1);
+      m.vertex(2, i) = m.sorted(i);
+      m.vertex(3, i) = mp;
+      m.neighbour(1, i) = i == 1 ? -4 : -3 * i - 3;
+      m.neighbour(2, i) = i == 1 ? -3 * big_t - 2 : i - 1;
+      m.neighbour(3, i) = i < big_t ? i + 1 : -3 * big_t;
+    }
+  }
+  triangle_count = big_t;
+  ltri = side == -1 ? big_t : 1;
+  ledg = 2;
+}
+
+}  // namespace
+
+bool points_less(const double* a, const double* b) {
+  if (coordinates_differ(a[0], b[0])) return a[0] < b[0];
+  if (coordinates_differ(a[1], b[1])) return a[1] < b[1];
+  return false;
+}
+
+int side_of_line(double x, double y, const double* a, const double* b) {
+  const double dx = b[0] - a[0];
+  const double dy = b[1] - a[1];
+  const double dxu = x - a[0];
+  const double dyu = y - a[1];
+  const double limit =
+      kTol * std::max(std::max(std::fabs(dx), std::fabs(dy)), std::max(std::fabs(dxu), std::fabs(dyu)));
+  const double t = dy * dxu - dx * dyu;
+  if (t > limit) return 1;
+  if (t >= -limit) return 0;
+  return -1;
+}
+
+int diagonal_test(const double* p0, const double* p1, const double* p2, const double* p3) {
+  const double dx10 = p1[0] - p0[0];
+  const double dy10 = p1[1] - p0[1];
+  const double dx12 = p1[0] - p2[0];
+  const double dy12 = p1[1] - p2[1];
+  const double dx30 = p3[0] - p0[0];
+  const double dy30 = p3[1] - p0[1];
+  const double dx32 = p3[0] - p2[0];
+  const double dy32 = p3[1] - p2[1];
+  const double tola = kTol * std::max(std::max(std::fabs(dx10), std::fabs(dy10)),
+                                      std::max(std::fabs(dx30), std::fabs(dy30)));
+  const double tolb = kTol * std::max(std::max(std::fabs(dx12), std::fabs(dy12)),
+                                      std::max(std::fabs(dx32), std::fabs(dy32)));
+  const double ca = dx10 * dx30 + dy10 * dy30;
+  const double cb = dx12 * dx32 + dy12 * dy32;
+  if (ca > tola && cb > tolb) return -1;
+  if (ca < -tola && cb < -tolb) return 1;
+  const double tol2 = std::max(tola, tolb);
+  const double s = (dx10 * dy30 - dx30 * dy10) * cb + (dx32 * dy12 - dx12 * dy32) * ca;
+  if (s > tol2) return -1;
+  if (s < -tol2) return 1;
+  return 0;
+}
+
+std::int32_t I4_MODP(std::int32_t i, std::int32_t j) {
+  std::int32_t value = i % j;
+  if (value < 0) value += j < 0 ? -j : j;
+  return value;
+}
+
+int DTRIS2(std::int32_t n, const double* points, std::int32_t* sort_index, std::int32_t& triangle_count,
+           std::int32_t* tri_vertex, std::int32_t* tri_neighbour, std::int32_t* stack, std::ostream& screen) {
+  Mesh m{points, sort_index, tri_vertex, tri_neighbour, stack, screen};
+  triangle_count = 0;
+
+  if (n >= 2) {
+    for (std::int32_t l = n / 2; l >= 1; --l) sift_down(m, l, n);
+    for (std::int32_t i = n; i >= 2; --i) {
+      std::swap(m.sorted(1), m.sorted(i));
+      sift_down(m, 1, i - 1);
+    }
+  }
+
+  for (std::int32_t i = 2; i <= n; ++i) {
+    const double* p = m.point(m.sorted(i - 1));
+    const double* q = m.point(m.sorted(i));
+    if (!coordinates_differ(p[0], q[0]) && !coordinates_differ(p[1], q[1])) {
+      print_fatal(screen, "DTRIS2", "  Consecutive points are too close.");
+      return 224;
+    }
+  }
+
+  std::int32_t j = 3;
+  std::int32_t side = 0;
+  if (n >= 3) {
+    const double* m1 = m.point(m.sorted(1));
+    const double* m2 = m.point(m.sorted(2));
+    for (; j <= n; ++j) {
+      const double* pm = m.point(m.sorted(j));
+      side = side_of_line(pm[0], pm[1], m1, m2);
+      if (side != 0) break;
+    }
+  }
+  if (n < 3 || side == 0) {
+    print_fatal(screen, "DTRIS2", "  Could not find a noncollinear third point.");
+    return 225;
+  }
+
+  std::int32_t ltri = 0;
+  std::int32_t ledg = 0;
+  make_first_fan(m, j, side, triangle_count, ltri, ledg);
+  std::int32_t top = 0;
+
+  for (std::int32_t i = j + 1; i <= n; ++i) {
+    const std::int32_t mp = m.sorted(i);
+    const double x = m.point(mp)[0];
+    const double y = m.point(mp)[1];
+    std::int32_t rtri;
+    std::int32_t redg;
+    const std::int32_t a = m.vertex(ledg, ltri);
+    const std::int32_t b = ledg <= 2 ? m.vertex(ledg + 1, ltri) : m.vertex(1, ltri);
+    if (side_of_line(x, y, m.point(a), m.point(b)) == 1) {
+      rtri = ltri;
+      redg = ledg;
+      ltri = 0;
+    } else {
+      const std::int32_t l = -m.neighbour(ledg, ltri);
+      rtri = l / 3;
+      redg = l % 3 + 1;
+    }
+    visible_boundary_edges(m, x, y, ltri, ledg, rtri, redg);
+
+    const std::int32_t n1 = triangle_count + 1;
+    std::int32_t l = -m.neighbour(ledg, ltri);
+    for (;;) {
+      const std::int32_t t = l / 3;
+      const std::int32_t e = l % 3 + 1;
+      l = -m.neighbour(e, t);
+      const std::int32_t m2 = m.vertex(e, t);
+      const std::int32_t m3 = e <= 2 ? m.vertex(e + 1, t) : m.vertex(1, t);
+      triangle_count += 1;
+      const std::int32_t k = triangle_count;
+      m.neighbour(e, t) = k;
+      m.vertex(1, k) = m3;
+      m.vertex(2, k) = m2;
+      m.vertex(3, k) = mp;
+      m.neighbour(1, k) = t;
+      m.neighbour(2, k) = k - 1;
+      m.neighbour(3, k) = k + 1;
+      if (top >= n) {
+        print_fatal(screen, "DTRIS2", "  Ran out of stack space.");
+        screen << "  MAXST = " << format_integer(n, 6) << "\n  TOP =   " << format_integer(top, 6) << "\n";
+        return 8;
+      }
+      top += 1;
+      m.stack[top - 1] = k;
+      if (t == rtri && e == redg) break;
+    }
+    m.neighbour(ledg, ltri) = -3 * n1 - 1;
+    m.neighbour(2, n1) = -3 * triangle_count - 2;
+    m.neighbour(3, triangle_count) = -l;
+
+    ltri = n1;
+    ledg = 2;
+    const int ierror = SWAPEC(m, mp, top, n, ltri, ledg);
+    if (ierror != 0) {
+      screen << " \nDTRIS2 - Fatal error!\n  SWAPEC returned IERROR = " << format_integer(ierror, 6) << "\n";
+      return ierror;
+    }
+  }
+  return 0;
+}
+
+}  // namespace tesseramill

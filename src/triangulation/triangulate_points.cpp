@@ -1,0 +1,218 @@
+#include "triangulation/triangulate_points.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <ostream>
+
+#include "emplacement/mesh_point_list.h"
+#include "geometry/planar_tools.h"
+#include "output/number_format.h"
+#include "run/failure.h"
+#include "run/text_tools.h"
+#include "triangulation/dtris2.h"
+
+namespace tesseramill {
+
+namespace {
+
+bool on_ring(std::int32_t label) { return label == kOuterRingLabel || label == kInnerRingLabel; }
+
+// Sizes the per-triangle tables for the largest triangulation that n points
+// can have, so that no later pass can overrun them.
+void create_tables(RunState& state, std::int32_t n) {
+  TriangleTable& tt = state.triangles;
+  const std::size_t triangles = 2 * static_cast<std::size_t>(n);
+  tt.sort_index.assign(static_cast<std::size_t>(n), 0);
+  tt.tri_vertex.assign(3 * triangles, 0);
+  tt.tri_neighbour.assign(3 * triangles, 0);
+  tt.stack.assign(static_cast<std::size_t>(n), 0);
+  tt.itstat.assign(triangles, 0);
+  tt.tri_centroid.assign(2 * triangles, 0.0);
+  tt.tri_circumcentre.assign(2 * triangles, 0.0);
+  tt.tri_circumradius.assign(triangles, 0.0);
+  tt.tri_centre_inside.assign(triangles, 0);
+  tt.point_tri_count.assign(static_cast<std::size_t>(n), 0);
+}
+
+[[noreturn]] void fail_collapse(RunState& state, std::int32_t t, const double* c1, const double* c2,
+                                const double* c3) {
+  std::string message = "Triangle # " + int_to_text(t) + " collapsed with vertices ";
+  for (const double* c : {c1, c2, c3}) {
+    message += "(";
+    append_zero_led(message, c[0] + state.x_offset, 14, 7);
+    message += ",";
+    append_zero_led(message, c[1] + state.y_offset, 14, 7);
+    message += ")";
+  }
+  fail(state, message);
+}
+
+void compute_triangles(RunState& state) {
+  TriangleTable& tt = state.triangles;
+  const std::vector<double>& p = state.mesh.mesh_points;
+  const std::vector<std::int32_t>& label = state.mesh.mesh_point_label;
+  for (std::int32_t t = 1; t <= tt.triangle_count; ++t) {
+    const std::size_t base = 3 * static_cast<std::size_t>(t - 1);
+    const double* c1 = &p[2 * static_cast<std::size_t>(tt.tri_vertex[base] - 1)];
+    const double* c2 = &p[2 * static_cast<std::size_t>(tt.tri_vertex[base + 1] - 1)];
+    const double* c3 = &p[2 * static_cast<std::size_t>(tt.tri_vertex[base + 2] - 1)];
+    const Circumcircle circle = triangle_circumcentre(c1[0], c1[1], c2[0], c2[1], c3[0], c3[1]);
+    if (circle.status != 0) {
+      // Only the first corner decides whether a collapse is fatal.
+      if (!on_ring(label[static_cast<std::size_t>(tt.tri_vertex[base] - 1)])) {
+        fail_collapse(state, t, c1, c2, c3);
+      }
+      tt.itstat[static_cast<std::size_t>(t - 1)] = -1;
+      continue;
+    }
+    const std::size_t k = static_cast<std::size_t>(t - 1);
+    tt.tri_circumcentre[2 * k] = circle.centre_x;
+    tt.tri_circumcentre[2 * k + 1] = circle.centre_y;
+    tt.tri_circumradius[k] = circle.radius;
+    const double cx = circle.centre_x;
+    const double cy = circle.centre_y;
+    const bool outside = (c2[1] - c1[1]) * (cx - c1[0]) > (c2[0] - c1[0]) * (cy - c1[1]) ||
+                         (c3[1] - c2[1]) * (cx - c2[0]) > (c3[0] - c2[0]) * (cy - c2[1]) ||
+                         (c1[1] - c3[1]) * (cx - c3[0]) > (c1[0] - c3[0]) * (cy - c3[1]);
+    tt.tri_centre_inside[k] = outside ? 0 : -1;
+    tt.tri_centroid[2 * k] = (c2[0] + c1[0] + c3[0]) * 0.3333333333333333;
+    tt.tri_centroid[2 * k + 1] = (c2[1] + c1[1] + c3[1]) * 0.3333333333333333;
+  }
+}
+
+std::int32_t mark_external(RunState& state) {
+  TriangleTable& tt = state.triangles;
+  const std::vector<std::int32_t>& label = state.mesh.mesh_point_label;
+  std::int32_t external = 0;
+  for (std::int32_t t = 1; t <= tt.triangle_count; ++t) {
+    const std::size_t k = static_cast<std::size_t>(t - 1);
+    if (tt.itstat[k] == -1) {
+      ++external;
+      continue;
+    }
+    if (on_ring(label[static_cast<std::size_t>(tt.tri_vertex[3 * k] - 1)]) &&
+        on_ring(label[static_cast<std::size_t>(tt.tri_vertex[3 * k + 1] - 1)]) &&
+        on_ring(label[static_cast<std::size_t>(tt.tri_vertex[3 * k + 2] - 1)]) &&
+        !point_in_domain(state, tt.tri_centroid[2 * k], tt.tri_centroid[2 * k + 1])) {
+      tt.itstat[k] = -1;
+      ++external;
+    }
+  }
+  return external;
+}
+
+// One sweep over the internal triangles counts them at each corner.
+void count_point_triangles(RunState& state) {
+  TriangleTable& tt = state.triangles;
+  const std::int32_t n = state.mesh.mesh_point_count;
+  std::fill(tt.point_tri_count.begin(), tt.point_tri_count.begin() + n, 0);
+  for (std::int32_t t = 1; t <= tt.triangle_count; ++t) {
+    const std::size_t k = static_cast<std::size_t>(t - 1);
+    if (tt.itstat[k] == -1) continue;
+    for (int e = 0; e < 3; ++e) tt.point_tri_count[static_cast<std::size_t>(tt.tri_vertex[3 * k + e] - 1)] += 1;
+  }
+  tt.largest_tri_count = 0;
+  tt.smallest_tri_count = 2147483647;
+  for (std::int32_t p = 0; p < n; ++p) {
+    tt.largest_tri_count = std::max(tt.largest_tri_count, tt.point_tri_count[static_cast<std::size_t>(p)]);
+    tt.smallest_tri_count = std::min(tt.smallest_tri_count, tt.point_tri_count[static_cast<std::size_t>(p)]);
+  }
+}
+
+}  // namespace
+
+Circumcircle triangle_circumcentre(double x1, double y1, double x2, double y2, double x3, double y3) {
+  Circumcircle result;
+  const double a = std::sqrt((x2 - x1) * (x2 - x1) + (y2 - y1) * (y2 - y1));
+  const double b = std::sqrt((x3 - x2) * (x3 - x2) + (y3 - y2) * (y3 - y2));
+  const double c = std::sqrt((x1 - x3) * (x1 - x3) + (y1 - y3) * (y1 - y3));
+  const double bot = (b + a - c) * (a - b + c) * ((b - a + c) * (b + a + c));
+  if (bot <= 0.0) {
+    result.radius = -1.0;
+    return result;
+  }
+  result.radius = a * b * c / std::sqrt(bot);
+  const double dx2 = x2 - x1;
+  const double dy2 = y2 - y1;
+  const double dx3 = x3 - x1;
+  const double dy3 = y3 - y1;
+  const double f2 = dx2 * dx2 + dy2 * dy2;
+  const double f3 = dx3 * dx3 + dy3 * dy3;
+  const double det = dy3 * dx2 - dx3 * dy2;
+  if (det == 0.0) {
+    result.status = 1;
+    return result;
+  }
+  const double q = 0.5 / det;
+  result.centre_x = x1 + q * (dy3 * f2 - f3 * dy2);
+  result.centre_y = y1 + q * (f3 * dx2 - dx3 * f2);
+  return result;
+}
+
+void triangulate_points(RunState& state) {
+  std::ostream& screen = *state.screen;
+  TriangleTable& tt = state.triangles;
+  const std::int32_t n = state.mesh.mesh_point_count;
+  const bool first_pass = state.lloyd_iteration == 0;
+  state.iteration_stamp = int_to_text(state.lloyd_iteration);
+  if (first_pass) {
+    screen << "\n - generating triangles...\n";
+    create_tables(state, n);
+  }
+  std::iota(tt.sort_index.begin(), tt.sort_index.end(), 1);
+  const int ierror = DTRIS2(n, state.mesh.mesh_points.data(), tt.sort_index.data(), tt.triangle_count,
+                            tt.tri_vertex.data(), tt.tri_neighbour.data(), tt.stack.data(), screen);
+  if (ierror != 0) fail(state, "Exit from subroutine DTRIS2: IERROR=" + int_to_text(ierror) + ".");
+  if (first_pass) {
+    screen << " - " << tt.triangle_count << " triangles generated\n";
+    tt.first_triangle_count = tt.triangle_count;
+  }
+  std::fill(tt.itstat.begin(), tt.itstat.end(), 0);
+  compute_triangles(state);
+  const std::int32_t external = mark_external(state);
+  if (first_pass) screen << " - " << external << " of these are external to domain\n";
+  count_point_triangles(state);
+  if (first_pass) {
+    screen << " - maximum number of internal triangles associated with any point = "
+           << tt.largest_tri_count << "\n"
+           << " - minimum number of internal triangles associated with any point = "
+           << tt.smallest_tri_count << "\n\n - commencing Lloyd iterations...\n";
+  }
+}
+
+void build_connected_triangles(RunState& state) {
+  TriangleTable& tt = state.triangles;
+  const std::int32_t n = state.mesh.mesh_point_count;
+  const bool first_pass = state.lloyd_iteration == 0;
+  if (first_pass || tt.largest_tri_count > tt.row_capacity) {
+    tt.row_capacity = tt.largest_tri_count + 2;
+    try {
+      tt.connected_triangles.assign(static_cast<std::size_t>(tt.row_capacity) * static_cast<std::size_t>(n), 0);
+    } catch (const std::bad_alloc&) {
+      fail(state, first_pass ? "Unable to allocate sufficient memory to continue execution."
+                             : "Error reallocating MAXCONTRI array.");
+    }
+  } else {
+    std::fill(tt.connected_triangles.begin(), tt.connected_triangles.end(), 0);
+  }
+  std::vector<std::int32_t>& work = state.mesh.work_list;
+  if (static_cast<std::int32_t>(work.size()) < tt.largest_tri_count) {
+    work.resize(static_cast<std::size_t>(tt.largest_tri_count));
+  }
+  // One sweep over the triangles appends each to its corners' columns, in
+  // ascending triangle order.
+  std::vector<std::int32_t>& fill = tt.column_fill;
+  fill.assign(static_cast<std::size_t>(n), 0);
+  const std::size_t rows = static_cast<std::size_t>(tt.row_capacity);
+  for (std::int32_t t = 1; t <= tt.triangle_count; ++t) {
+    const std::size_t k = static_cast<std::size_t>(t - 1);
+    if (tt.itstat[k] == -1) continue;
+    for (int e = 0; e < 3; ++e) {
+      const std::size_t p = static_cast<std::size_t>(tt.tri_vertex[3 * k + e] - 1);
+      tt.connected_triangles[p * rows + static_cast<std::size_t>(fill[p]++)] = t;
+    }
+  }
+}
+
+}  // namespace tesseramill

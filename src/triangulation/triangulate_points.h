@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+
+#include "run/run_state.h"
+
+namespace tesseramill {
+
+struct Circumcircle {
+  int status = 0;  // 1 when the triangle has collapsed
+  double radius = 0.0;
+  double centre_x = 0.0;
+  double centre_y = 0.0;
+};
+
+// The circle through the three corners; a radius of -1 marks a degenerate
+// triangle, status 1 a collapsed one.
+Circumcircle triangle_circumcentre(double x1, double y1, double x2, double y2, double x3, double y3);
+
+// Triangulates the mesh points of the pass, classifies the triangles and
+// counts the internal triangles at each point.
+void triangulate_points(RunState& state);
+
+// Lists the internal triangles of every mesh point, in ascending order.
+void build_connected_triangles(RunState& state);
+
+}  // namespace tesseramill
