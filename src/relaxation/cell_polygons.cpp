@@ -86,11 +86,6 @@ void order_fan(RunState& state, std::int32_t p) {
   for (std::int32_t m = 0; m < c; ++m) col[m] = work[m];
 }
 
-struct CellCursor {
-  std::int32_t last_point = 0;
-  std::int32_t last_vertex = 0;
-};
-
 void put_corner(CellTables& cells, std::int32_t position, double x, double y, std::int32_t code) {
   cells.cell_vertices[2 * static_cast<std::size_t>(position - 1)] = x;
   cells.cell_vertices[2 * static_cast<std::size_t>(position - 1) + 1] = y;
@@ -117,98 +112,106 @@ void plain_cell(RunState& state, CellCursor& cursor, std::int32_t p, std::int32_
   cursor.last_point = p;
 }
 
-// Builds the cells of one ring's points.  Returns false, with the message
-// in message_buffer, when a fan touches neither ring neighbour.
-bool populate_boundary_with_polys(RunState& state, CellCursor& cursor, const BoundaryRing& ring) {
+}  // namespace
+
+bool ring_point_cell(RunState& state, CellCursor& cursor, const BoundaryRing& ring, std::int32_t i) {
   CellTables& cells = state.cells;
   const TriangleTable& tt = state.triangles;
   const std::vector<double>& mesh = state.mesh.mesh_points;
   const std::int32_t big_n = ring.point_count;
-  if (big_n <= 1) {
-    cells.edge_code_base += 2 * big_n - 2;
-    return true;
+  const std::int32_t p = cursor.last_point + 1;
+  const std::int32_t c = tt.point_tri_count[static_cast<std::size_t>(p - 1)];
+  cells.cell_vertex_count[static_cast<std::size_t>(p - 1)] = c + 3;
+  cells.cell_first_vertex[static_cast<std::size_t>(p - 1)] = cursor.last_vertex + 1;
+
+  std::int32_t prev_pos;
+  std::int32_t prev_point;
+  std::int32_t next_pos;
+  std::int32_t next_point;
+  if (i == 1) {
+    prev_pos = big_n - 1;
+    prev_point = ring.point_mesh_index[static_cast<std::size_t>(big_n - 2)];
+    next_pos = 2;
+    next_point = p + 1;
+  } else if (i == big_n - 1) {
+    prev_pos = big_n - 2;
+    prev_point = p - 1;
+    next_pos = 1;
+    next_point = ring.point_mesh_index[0];
+  } else {
+    prev_pos = i - 1;
+    prev_point = p - 1;
+    next_pos = i + 1;
+    next_point = p + 1;
   }
-  for (std::int32_t i = 1; i <= big_n - 1; ++i) {
-    const std::int32_t p = cursor.last_point + 1;
-    const std::int32_t c = tt.point_tri_count[static_cast<std::size_t>(p - 1)];
-    cells.cell_vertex_count[static_cast<std::size_t>(p - 1)] = c + 3;
-    cells.cell_first_vertex[static_cast<std::size_t>(p - 1)] = cursor.last_vertex + 1;
 
-    std::int32_t prev_pos;
-    std::int32_t prev_point;
-    std::int32_t next_pos;
-    std::int32_t next_point;
-    if (i == 1) {
-      prev_pos = big_n - 1;
-      prev_point = ring.point_mesh_index[static_cast<std::size_t>(big_n - 2)];
-      next_pos = 2;
-      next_point = p + 1;
-    } else if (i == big_n - 1) {
-      prev_pos = big_n - 2;
-      prev_point = p - 1;
-      next_pos = 1;
-      next_point = ring.point_mesh_index[0];
-    } else {
-      prev_pos = i - 1;
-      prev_point = p - 1;
-      next_pos = i + 1;
-      next_point = p + 1;
+  // The fan's first triangle tells at which ring neighbour the fan starts.
+  const std::int32_t* col = column(state, p);
+  const std::int32_t t1 = col[0];
+  int starts_at = 0;  // +1 next neighbour, -1 previous neighbour
+  for (std::int32_t e = 1; e <= 3 && starts_at == 0; ++e) {
+    const std::int32_t corner = tt.tri_vertex[3 * static_cast<std::size_t>(t1 - 1) + static_cast<std::size_t>(e - 1)];
+    if (corner == next_point) {
+      starts_at = 1;
+    } else if (corner == prev_point) {
+      starts_at = -1;
     }
-
-    const std::int32_t* col = column(state, p);
-    const std::int32_t t1 = col[0];
-    int starts_at = 0;  // +1 next neighbour, -1 previous neighbour
-    for (std::int32_t e = 1; e <= 3 && starts_at == 0; ++e) {
-      const std::int32_t corner = tt.tri_vertex[3 * static_cast<std::size_t>(t1 - 1) + static_cast<std::size_t>(e - 1)];
-      if (corner == next_point) {
-        starts_at = 1;
-      } else if (corner == prev_point) {
-        starts_at = -1;
-      }
-    }
-    if (starts_at == 0) {
-      cursor.last_point = p;
-      state.message_buffer =
-          "Conceptual error in function populate_boundary_with_polys(). If this occurs during Lloyd "
-          "iterations, consider reducing the LLOYD_FAC control variable.";
-      return false;
-    }
-    const std::int32_t code_prev = 2 * prev_pos;
-    const std::int32_t code_next = 2 * next_pos - 2 == 0 ? 2 * big_n - 2 : 2 * next_pos - 2;
-    const std::int32_t first_pos = starts_at == 1 ? next_pos : prev_pos;
-    const std::int32_t last_pos = starts_at == 1 ? prev_pos : next_pos;
-    const std::int32_t first_code = starts_at == 1 ? code_next : code_prev;
-    const std::int32_t last_code = starts_at == 1 ? code_prev : code_next;
-
-    const double px = mesh[2 * static_cast<std::size_t>(p - 1)];
-    const double py = mesh[2 * static_cast<std::size_t>(p - 1) + 1];
-    const double fx = ring.points[2 * static_cast<std::size_t>(first_pos - 1)];
-    const double fy = ring.points[2 * static_cast<std::size_t>(first_pos - 1) + 1];
-    const double lx = ring.points[2 * static_cast<std::size_t>(last_pos - 1)];
-    const double ly = ring.points[2 * static_cast<std::size_t>(last_pos - 1) + 1];
-    const std::int32_t base = cursor.last_vertex;
-    const std::int32_t ecb = cells.edge_code_base;
-    put_corner(cells, base + 1, px, py, -(ecb + 2 * i - 1));
-    const double mx = (fx + px) * 0.5;
-    const double my = (fy + py) * 0.5;
-    put_corner(cells, base + 2, mx, my, -(ecb + first_code));
-    for (std::int32_t k = 1; k <= c; ++k) {
-      const std::int32_t t = col[k - 1];
-      put_corner(cells, base + 2 + k, tt.tri_centroid[2 * static_cast<std::size_t>(t - 1)],
-                 tt.tri_centroid[2 * static_cast<std::size_t>(t - 1) + 1], t);
-    }
-    put_corner(cells, base + c + 3, (lx + px) * 0.5, (ly + py) * 0.5, -(ecb + last_code));
-    const double dx = mx - px;
-    const double dy = my - py;
-    cells.boundary_spacing[static_cast<std::size_t>(p - 1)] = 2.0 * std::sqrt(dx * dx + dy * dy);
-    cursor.last_vertex += c + 3;
+  }
+  if (starts_at == 0) {
     cursor.last_point = p;
+    state.message_buffer =
+        "Conceptual error in function populate_boundary_with_polys(). If this occurs during Lloyd "
+        "iterations, consider reducing the LLOYD_FAC control variable.";
+    return false;
   }
-  cells.edge_code_base += 2 * big_n - 2;
+  const std::int32_t code_prev = 2 * prev_pos;
+  const std::int32_t code_next = 2 * next_pos - 2 == 0 ? 2 * big_n - 2 : 2 * next_pos - 2;
+  const std::int32_t first_pos = starts_at == 1 ? next_pos : prev_pos;
+  const std::int32_t last_pos = starts_at == 1 ? prev_pos : next_pos;
+  const std::int32_t first_code = starts_at == 1 ? code_next : code_prev;
+  const std::int32_t last_code = starts_at == 1 ? code_prev : code_next;
+
+  const double px = mesh[2 * static_cast<std::size_t>(p - 1)];
+  const double py = mesh[2 * static_cast<std::size_t>(p - 1) + 1];
+  const double fx = ring.points[2 * static_cast<std::size_t>(first_pos - 1)];
+  const double fy = ring.points[2 * static_cast<std::size_t>(first_pos - 1) + 1];
+  const double lx = ring.points[2 * static_cast<std::size_t>(last_pos - 1)];
+  const double ly = ring.points[2 * static_cast<std::size_t>(last_pos - 1) + 1];
+  const std::int32_t base = cursor.last_vertex;
+  const std::int32_t ecb = cells.edge_code_base;
+  put_corner(cells, base + 1, px, py, -(ecb + 2 * i - 1));
+  const double mx = (fx + px) * 0.5;
+  const double my = (fy + py) * 0.5;
+  put_corner(cells, base + 2, mx, my, -(ecb + first_code));
+  for (std::int32_t k = 1; k <= c; ++k) {
+    const std::int32_t t = col[k - 1];
+    put_corner(cells, base + 2 + k, tt.tri_centroid[2 * static_cast<std::size_t>(t - 1)],
+               tt.tri_centroid[2 * static_cast<std::size_t>(t - 1) + 1], t);
+  }
+  put_corner(cells, base + c + 3, (lx + px) * 0.5, (ly + py) * 0.5, -(ecb + last_code));
+  const double dx = mx - px;
+  const double dy = my - py;
+  cells.boundary_spacing[static_cast<std::size_t>(p - 1)] = 2.0 * std::sqrt(dx * dx + dy * dy);
+  cursor.last_vertex += c + 3;
+  cursor.last_point = p;
   return true;
 }
 
-// Makes sure the cell tables can hold this pass's cells.
+bool populate_boundary_with_polys(RunState& state, CellCursor& cursor, const BoundaryRing& ring) {
+  const std::int32_t big_n = ring.point_count;
+  if (big_n > 1) {
+    for (std::int32_t i = 1; i <= big_n - 1; ++i) {
+      if (!ring_point_cell(state, cursor, ring, i)) return false;
+    }
+  }
+  state.cells.edge_code_base += 2 * big_n - 2;
+  return true;
+}
+
+namespace {
+
+}  // namespace
+
 void size_cell_tables(RunState& state) {
   CellTables& cells = state.cells;
   const TriangleTable& tt = state.triangles;
@@ -233,8 +236,6 @@ void size_cell_tables(RunState& state) {
     cells.cell_vertex_code.resize(total, 0);
   }
 }
-
-}  // namespace
 
 void order_connected_triangles(RunState& state) {
   for (std::int32_t p = 1; p <= state.mesh.mesh_point_count; ++p) order_fan(state, p);

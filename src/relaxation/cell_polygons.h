@@ -14,6 +14,24 @@ void order_connected_triangles(RunState& state);
 // midpoints of its two ring segments.
 void assemble_cell_polygons(RunState& state);
 
+// Where the next cell goes: the last mesh point and the last corner written.
+struct CellCursor {
+  std::int32_t last_point = 0;
+  std::int32_t last_vertex = 0;
+};
+
+// Builds the cells of one ring's points, advancing the cursor and
+// edge_code_base.  Returns false, with the message in message_buffer, when a
+// fan touches neither ring neighbour of its point.
+bool populate_boundary_with_polys(RunState& state, CellCursor& cursor, const BoundaryRing& ring);
+
+// The cell of the i-th point (1-based) of a ring, which is mesh point
+// cursor.last_point + 1.
+bool ring_point_cell(RunState& state, CellCursor& cursor, const BoundaryRing& ring, std::int32_t i);
+
+// Sizes the cell tables for the cells of this pass.
+void size_cell_tables(RunState& state);
+
 // Works out the area and centroid of every cell.
 void measure_cells(RunState& state);
 

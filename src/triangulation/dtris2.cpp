@@ -215,7 +215,10 @@ void make_first_fan(Mesh& m, std::int32_t j, std::int32_t side, std::int32_t& tr
       m.vertex(1, i) = m.sorted(i + 1);
       m.vertex(2, i) = m.sorted(i);
       m.vertex(3, i) = mp;
-      m.neighbour(1, i) = i == 1 ? -4 : -3 * i - 3;
+      // Edge 1 of triangle i runs from s(i+1) down to s(i); the next hull
+      // edge counter-clockwise is edge 1 of triangle i-1, or edge 2 of
+      // triangle 1 at the bottom of the fan.
+      m.neighbour(1, i) = i == 1 ? -4 : -3 * (i - 1);
       m.neighbour(2, i) = i == 1 ? -3 * big_t - 2 : i - 1;
       m.neighbour(3, i) = i < big_t ? i + 1 : -3 * big_t;
     }
