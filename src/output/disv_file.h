@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "run/run_state.h"
+
+namespace tesseramill {
+
+struct GridVertices {
+  std::int32_t nvert = 0;
+  std::int32_t ring_vertices = 0;  // vertices of the rings, numbered first
+  std::vector<std::int32_t> triangle_use_count;
+  std::vector<std::int32_t> triangle_vertex_number;
+};
+
+// Gives every corner of every cell a grid vertex number: ring points and
+// ring midpoints first, ring by ring, then the triangle centroids in use.
+GridVertices number_grid_vertices(RunState& state);
+
+// Writes the MODFLOW 6 DISV file with every cell clockwise.
+void write_disv_file(RunState& state, const GridVertices& grid);
+
+}  // namespace tesseramill

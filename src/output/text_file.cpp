@@ -1,0 +1,45 @@
+#include "output/text_file.h"
+
+#include "run/failure.h"
+#include "run/limits.h"
+#include "run/text_tools.h"
+
+namespace tesseramill {
+
+namespace {
+
+constexpr std::size_t kFlushSize = 1 << 16;
+
+void flush(OutputFile& out) {
+  if (!out.pending.empty() && out.file != nullptr) {
+    std::fwrite(out.pending.data(), 1, out.pending.size(), out.file);
+  }
+  out.pending.clear();
+}
+
+}  // namespace
+
+OutputFile::~OutputFile() { close_output(*this); }
+
+void open_output(RunState& state, OutputFile& out, const std::string& name) {
+  close_output(out);
+  out.name = fit_field(name, kFileNameLength);
+  out.file = std::fopen(out.name.c_str(), "wb");
+  if (out.file == nullptr) fail(state, "Cannot write to file " + out.name + ".");
+  out.pending.reserve(kFlushSize + 4096);
+}
+
+void put_line(OutputFile& out, const std::string& line) {
+  out.pending += line;
+  out.pending += '\n';
+  if (out.pending.size() >= kFlushSize) flush(out);
+}
+
+void close_output(OutputFile& out) {
+  if (out.file == nullptr) return;
+  flush(out);
+  std::fclose(out.file);
+  out.file = nullptr;
+}
+
+}  // namespace tesseramill
