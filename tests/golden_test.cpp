@@ -1,0 +1,160 @@
+// Whole runs compared with reviewed output: the screen and every written
+// file byte for byte, and the DISV grid judged from the file alone.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <set>
+#include <sstream>
+
+#include "disv_check.h"
+#include "scratch.h"
+
+namespace tesseramill_test {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string read_file(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+fs::path source(const std::string& relative) { return fs::path(TESSERAMILL_SOURCE_DIR) / relative; }
+
+void copy_inputs(const ScratchDir& dir, const fs::path& from) {
+  for (const auto& entry : fs::directory_iterator(from)) {
+    fs::copy_file(entry.path(), dir.path() / entry.path().filename(), fs::copy_options::overwrite_existing);
+  }
+}
+
+std::set<std::string> names_in(const fs::path& folder) {
+  std::set<std::string> names;
+  for (const auto& entry : fs::directory_iterator(folder)) names.insert(entry.path().filename().string());
+  return names;
+}
+
+// Runs a model and compares everything it writes with the golden folder.
+void expect_golden_run(const fs::path& inputs, const std::string& control, const fs::path& golden) {
+  ScratchDir dir;
+  copy_inputs(dir, inputs);
+  RunResult result = run_binary(dir, {control});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.screen, read_file(golden / "screen.txt"));
+  std::set<std::string> written = names_in(dir.path());
+  for (const std::string& input : names_in(inputs)) written.erase(input);
+  std::set<std::string> expected = names_in(golden);
+  expected.erase("screen.txt");
+  EXPECT_EQ(written, expected);
+  for (const std::string& name : expected) {
+    EXPECT_EQ(read_file(dir.path() / name), read_file(golden / name)) << name;
+  }
+}
+
+TEST(Golden, SquareModel) {
+  expect_golden_run(source("tests/models/square"), "square.in", source("tests/golden/square"));
+}
+
+TEST(Golden, ModelWithEveryKindOfInput) {
+  expect_golden_run(source("examples/full"), "model.in", source("tests/golden/full"));
+}
+
+// Counts the rows of the boundary cell table: one per ring point.
+int boundary_rows(const std::string& table) {
+  int rows = -1;  // the head line
+  std::istringstream in(table);
+  std::string line;
+  while (std::getline(in, line)) ++rows;
+  return rows;
+}
+
+// Judges a written DISV file: counts, numbering, orientation, shared ring
+// midpoints and the area of the whole grid.
+void check_grid(const std::string& disv, const std::string& boundary_table, double domain_area) {
+  const DisvGrid grid = read_disv(disv);
+  EXPECT_EQ(grid.nvert, grid.vertex_lines);
+  EXPECT_EQ(grid.nvert, static_cast<int>(grid.vertices.size()));
+  EXPECT_EQ(grid.ncpl, static_cast<int>(grid.cells.size()));
+  for (int v = 1; v <= grid.nvert; ++v) EXPECT_EQ(grid.vertices.count(v), 1u) << v;
+  std::vector<int> uses(static_cast<std::size_t>(grid.nvert) + 1, 0);
+  double total = 0.0;
+  for (std::size_t c = 0; c < grid.cells.size(); ++c) {
+    const std::vector<int>& cell = grid.cells[c];
+    ASSERT_GE(cell.size(), 3u) << "cell " << c + 1;
+    std::set<int> distinct(cell.begin(), cell.end());
+    EXPECT_EQ(distinct.size(), cell.size()) << "cell " << c + 1 << " repeats a vertex";
+    for (int v : cell) {
+      ASSERT_GE(v, 1);
+      ASSERT_LE(v, grid.nvert);
+      uses[static_cast<std::size_t>(v)] += 1;
+    }
+    const double a = doubled_area(grid, cell);
+    EXPECT_LT(a, 0.0) << "cell " << c + 1 << " is not clockwise";
+    total += -0.5 * a;
+  }
+  // Ring points belong to their own cell alone; each ring midpoint is shared
+  // by the two ring cells beside it; each triangle centroid by its three
+  // corners' cells.
+  const int ring_vertices = 2 * boundary_rows(boundary_table);
+  for (int v = 1; v <= grid.nvert; ++v) {
+    const int expected = v > ring_vertices ? 3 : (v % 2 == 1 ? 1 : 2);
+    EXPECT_EQ(uses[static_cast<std::size_t>(v)], expected) << "vertex " << v;
+  }
+  EXPECT_NEAR(total, domain_area, 1e-9 * domain_area);
+}
+
+TEST(GridValidity, SquareModel) {
+  const fs::path golden = source("tests/golden/square");
+  check_grid(read_file(golden / "square.disv"), read_file(golden / "sq_boundary_cells.dat"), 10000.0);
+}
+
+TEST(GridValidity, ModelWithEveryKindOfInput) {
+  const fs::path golden = source("tests/golden/full");
+  const double area = bln_ring_area(read_file(source("examples/full/outer.bln"))) -
+                      bln_ring_area(read_file(source("examples/full/pond.bln")));
+  check_grid(read_file(golden / "ev.disv"), read_file(golden / "ev_boundary_cells.dat"), area);
+}
+
+TEST(GridValidity, CatchmentExample) {
+  ScratchDir dir;
+  copy_inputs(dir, source("examples/catchment"));
+  RunResult result = run_binary(dir, {"catchment.in"});
+  ASSERT_NE(result.screen.find(" - file catchment.oc written ok.\n"), std::string::npos) << result.screen;
+  const double area = bln_ring_area(dir.read("divide.bln")) - bln_ring_area(dir.read("lake.bln"));
+  check_grid(dir.read("catchment.disv"), dir.read("catchment_boundary_cells.dat"), area);
+  // The screen of the bundled example is part of what README shows.
+  EXPECT_EQ(result.screen, read_file(source("tests/golden/catchment_screen.txt")));
+}
+
+int mif_regions(const std::string& mif) {
+  int regions = 0;
+  std::istringstream in(mif);
+  std::string line;
+  while (std::getline(in, line)) regions += line == "Region 1";
+  return regions;
+}
+
+TEST(MapFiles, OpenInAGisReader) {
+  if (std::system("command -v ogrinfo > /dev/null 2>&1") != 0) {
+    GTEST_SKIP() << "ogrinfo (Debian package gdal-bin) is not installed: MIF files not opened";
+  }
+  const fs::path golden = source("tests/golden/full");
+  for (const char* name : {"ev_triangles_3.mif", "ev_polygons_3.mif"}) {
+    ScratchDir dir;
+    const std::string stem = fs::path(name).stem().string();
+    fs::copy_file(golden / name, dir.path() / name);
+    fs::copy_file(golden / (stem + ".mid"), dir.path() / (stem + ".mid"));
+    const std::string out = (dir.path() / "ogr.txt").string();
+    const std::string command = "ogrinfo -ro -al -so '" + (dir.path() / name).string() + "' > '" + out + "' 2>&1";
+    ASSERT_EQ(std::system(command.c_str()), 0) << read_file(out);
+    const int regions = mif_regions(read_file(golden / name));
+    EXPECT_NE(read_file(out).find("Feature Count: " + std::to_string(regions)), std::string::npos)
+        << read_file(out);
+  }
+}
+
+}  // namespace
+}  // namespace tesseramill_test
