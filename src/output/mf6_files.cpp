@@ -74,7 +74,8 @@ void write_npf_file(RunState& state) {
   write_lines(state, stem(state) + ".npf", lines);
 }
 
-// A constant head in layer 1 of `cell`.
+}  // namespace
+
 std::string head_line(std::int32_t cell, double head) {
   std::string line = "  1";
   append_integer(line, cell, 10);
@@ -82,6 +83,8 @@ std::string head_line(std::int32_t cell, double head) {
   append_zero_led(line, head, 14, 7);
   return line;
 }
+
+namespace {
 
 void write_chd_file(RunState& state) {
   write_lines(state, stem(state) + ".chd",
