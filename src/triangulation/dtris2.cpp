@@ -51,6 +51,14 @@ void print_fatal(std::ostream& screen, const char* routine, const char* text) {
   screen << " \n" << routine << " - Fatal error!\n" << text << "\n";
 }
 
+// The edge of triangle `t` that ends in vertex `pivot`: the edge before the
+// pivot's own position, so that stepping across it turns round the pivot.
+std::int32_t edge_ending_at(Mesh& m, std::int32_t t, std::int32_t pivot) {
+  if (m.vertex(1, t) == pivot) return 3;
+  if (m.vertex(2, t) == pivot) return 1;
+  return 2;
+}
+
 // Finds the first and last hull edges that the point sees.
 void visible_boundary_edges(Mesh& m, double x, double y, std::int32_t& ltri, std::int32_t& ledg,
                             std::int32_t& rtri, std::int32_t& redg) {
@@ -78,13 +86,7 @@ void visible_boundary_edges(Mesh& m, double x, double y, std::int32_t& ltri, std
     e = I4_MODP(e - 2, 3) + 1;
     while (m.neighbour(e, t) > 0) {
       t = m.neighbour(e, t);
-      if (m.vertex(1, t) == b) {
-        e = 3;
-      } else if (m.vertex(2, t) == b) {
-        e = 1;
-      } else {
-        e = 2;
-      }
+      e = edge_ending_at(m, t, b);
     }
     const std::int32_t a = m.vertex(e, t);
     if (side_of_line(x, y, m.point(a), m.point(b)) != 1) break;
@@ -108,13 +110,7 @@ void replace_neighbour(Mesh& m, std::int32_t t, std::int32_t from, std::int32_t 
 void store_hull_link(Mesh& m, std::int32_t t, std::int32_t e, std::int32_t pivot, std::int32_t link) {
   while (m.neighbour(e, t) > 0) {
     t = m.neighbour(e, t);
-    if (m.vertex(1, t) == pivot) {
-      e = 3;
-    } else if (m.vertex(2, t) == pivot) {
-      e = 1;
-    } else {
-      e = 2;
-    }
+    e = edge_ending_at(m, t, pivot);
   }
   m.neighbour(e, t) = link;
 }
