@@ -283,6 +283,26 @@ TEST(PopulateBoundaries, SquareWithEqualStepsPrintsNoRepopulatingLine) {
   EXPECT_EQ(screen.str(), "\n - populating user-supplied boundaries/lines with mesh points...\n");
   EXPECT_EQ(state.mesh.mesh_point_count, 20);
   EXPECT_EQ(state.smallest_max_separation, 100.0);
+  // Only ring points, numbered from 1 along the outer boundary.
+  EXPECT_EQ(state.mesh.mesh_point_label, std::vector<std::int32_t>(20, -1));
+  EXPECT_EQ(state.mesh.mesh_points[0], 0.0);
+  EXPECT_EQ(state.mesh.mesh_points[2], 2.0);
+}
+
+TEST(PopulateBoundaries, RoundedPiecesLowerEqualSeparationsOnce) {
+  RunState state = state_with_capacity();
+  std::ostringstream screen;
+  state.screen = &screen;
+  state.control.max_centroid_separation = 100.0;
+  // Side 10 with separation 3: four pieces of 2.5, so the wanted 3 exceeds
+  // the field of 2.5 and the separations fall to the step.
+  state.outer_boundary = polyline({0, 0, 10, 0, 10, 10, 0, 10, 0, 0}, {3, 3, 3, 3, 3});
+  populate_boundaries(state);
+  EXPECT_EQ(screen.str(),
+            "\n - populating user-supplied boundaries/lines with mesh points...\n"
+            " - repopulating user-supplied boundaries/lines with mesh points...\n");
+  for (double s : state.outer_boundary.vertex_separation) EXPECT_DOUBLE_EQ(s, 2.5);
+  EXPECT_EQ(state.mesh.mesh_point_count, 16);
 }
 
 TEST(PopulateBoundaries, UnequalEndsRepopulateOnce) {

@@ -112,6 +112,7 @@ TEST(LinePointClear, TestsInTheirOrder) {
   state.inner_lines.push_back(chain({20, 20, 30, 20}, {5, 5}, {7, 0}));
   state.inner_lines.push_back(chain({20, 25}, {5}, {0}));
   EXPECT_FALSE(line_point_clear(state, 50, 50, 1, 1));   // in the hole
+  EXPECT_FALSE(line_point_clear(state, 40, 50, 0, 1));   // exactly on the hole's ring
   EXPECT_FALSE(line_point_clear(state, 5, 50, 6, 1));    // 5 from the outer boundary
   EXPECT_TRUE(line_point_clear(state, 5, 50, 5, 1));     // exactly the clearance passes
   EXPECT_FALSE(line_point_clear(state, 35, 50, 6, 1));   // 5 from the hole

@@ -2,6 +2,7 @@
 // file byte for byte, and the DISV grid judged from the file alone.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
@@ -154,6 +155,80 @@ TEST(MapFiles, OpenInAGisReader) {
     EXPECT_NE(read_file(out).find("Feature Count: " + std::to_string(regions)), std::string::npos)
         << read_file(out);
   }
+}
+
+}  // namespace
+}  // namespace tesseramill_test
+
+namespace tesseramill_test {
+namespace {
+
+std::vector<std::string> golden_lines(const std::string& model, const std::string& name) {
+  std::vector<std::string> lines;
+  std::istringstream in(read_file(source("tests/golden/" + model) / name));
+  std::string line;
+  while (std::getline(in, line)) lines.push_back(line);
+  return lines;
+}
+
+bool has_line(const std::vector<std::string>& lines, const std::string& wanted) {
+  return std::find(lines.begin(), lines.end(), wanted) != lines.end();
+}
+
+TEST(GoldenDetails, GridWithoutOriginAndWithoutHoles) {
+  const std::vector<std::string> disv = golden_lines("square", "square.disv");
+  EXPECT_EQ(disv[1], "  XORIGIN   0.000000000E+00");
+  EXPECT_EQ(disv[2], "  YORIGIN   0.000000000E+00");
+  // 20 ring points: 40 ring vertices, so the first triangle centre is 41.
+  const auto at = std::find(disv.begin(), disv.end(), "BEGIN VERTICES");
+  ASSERT_NE(at, disv.end());
+  EXPECT_EQ(at[1], "         1   0.000000000E+00   0.000000000E+00");
+  EXPECT_EQ(at[2], "         2   1.000000000E+01   0.000000000E+00");
+  EXPECT_EQ(at[41].substr(0, 10), "        41");
+  const std::vector<std::string> table = golden_lines("square", "sq_boundary_cells.dat");
+  EXPECT_EQ(table[0],
+            "     ICPL     Centroid_x          Centroid_y          Cell_area           "
+            "Length_in_cell      Accum_length        Boundary");
+  EXPECT_EQ(table[1].substr(0, 10), "         1");
+  // Constant spacing 20: cell k + 1 has Accum_length 20 k.
+  EXPECT_EQ(table[6].substr(94), " 0.100000000E+03outer_boundary");
+  EXPECT_EQ(table.size(), 21u);
+}
+
+TEST(GoldenDetails, GridWithOriginLayersAndInnerPoints) {
+  const std::vector<std::string> disv = golden_lines("full", "ev.disv");
+  EXPECT_EQ(disv[1], "  XORIGIN   0.100000000E+04");
+  EXPECT_EQ(disv[2], "  YORIGIN   0.200000000E+04");
+  EXPECT_TRUE(has_line(disv, "  NLAY 3"));
+  // The outer ring starts at world (1000, 2000): written as (0, 0).
+  const auto at = std::find(disv.begin(), disv.end(), "BEGIN VERTICES");
+  ASSERT_NE(at, disv.end());
+  EXPECT_EQ(at[1], "         1   0.000000000E+00   0.000000000E+00");
+  const auto botm = std::find(disv.begin(), disv.end(), "  BOTM LAYERED");
+  ASSERT_NE(botm, disv.end());
+  EXPECT_EQ(botm[1], "    CONSTANT -1.0000000E+01");
+  EXPECT_EQ(botm[2], "    CONSTANT -2.0000000E+01");
+  EXPECT_EQ(botm[3], "    CONSTANT -3.0000000E+01");
+  EXPECT_EQ(botm[4], " ");
+  EXPECT_EQ(golden_lines("full", "ev.ic"),
+            (std::vector<std::string>{"BEGIN OPTIONS", "END OPTIONS", " ", "BEGIN GRIDDATA", "  STRT LAYERED",
+                                      "    CONSTANT 0.0", "    CONSTANT 0.0", "    CONSTANT 0.0",
+                                      "END GRIDDATA"}));
+  const std::vector<std::string> table = golden_lines("full", "ev_boundary_cells.dat");
+  // Two inner points come first, so the outer ring's first row is cell 3.
+  EXPECT_EQ(table[1].substr(0, 10), "         3");
+  EXPECT_EQ(table[1].substr(94), " 0.000000000E+00outer_boundary");
+  // The pond's rows go on with the next numbers and start again at zero.
+  std::size_t first_pond = 0;
+  for (std::size_t k = 1; k < table.size(); ++k) {
+    if (table[k].size() > 110 && table[k].substr(110) == "inner_boundary_1") {
+      first_pond = k;
+      break;
+    }
+  }
+  ASSERT_GT(first_pond, 1u);
+  EXPECT_EQ(std::stoi(table[first_pond].substr(2, 8)), std::stoi(table[first_pond - 1].substr(2, 8)) + 1);
+  EXPECT_EQ(table[first_pond].substr(94, 16), " 0.000000000E+00");
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "output/number_format.h"
 #include "run/failure.h"
 #include "run/phases.h"
+#include "run/text_tools.h"
 
 namespace tesseramill {
 
@@ -36,7 +37,7 @@ void populate_interior(RunState& state) {
   if (state.mesh.mesh_point_count < kMinimumNearPoints) {
     // No seed could ever gather five neighbours, so its search box would
     // grow without end.
-    fail(state, "Only " + std::to_string(state.mesh.mesh_point_count) +
+    fail(state, "Only " + int_to_text(state.mesh.mesh_point_count) +
                     " mesh points were placed on the boundaries, lines and points of the model; "
                     "at least 5 are needed to populate the model domain. Reduce the centroid "
                     "separations provided in the BLN files.");
