@@ -77,5 +77,16 @@ TEST(Program, ArgumentIsCutAt256Characters) {
   EXPECT_EQ(result.screen, banner() + "\n - reading file " + cut + "...\n" + expected);
 }
 
+TEST(Program, TableTooLargeForMemory) {
+  // A candidate grid of NSDIM x NSDIM cannot be held for the largest NSDIM.
+  RunResult result = run_on_control(
+      "START CONTROL\n MAX_CENTROID_SEPARATION 20\n POLY_GROWTH_RATE 1.2\n OUT_FILE_BASE m\n"
+      " MAX_CELLS 2000\n NSDIM 2147483647\nEND\nSTART MF6\n MF6_BASENAME m\n NLAY 1\nEND\n"
+      "START OUTER_BOUNDARY\n BLN_FILE outer.bln\nEND\n");
+  EXPECT_EQ(result.screen, reading("t.in") + " - file t.in read ok.\n"
+                                             "\n Unable to allocate sufficient memory to continue execution.\n");
+  EXPECT_EQ(result.status, 0);
+}
+
 }  // namespace
 }  // namespace tesseramill_test

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "emplacement/chains.h"
+#include "run/failure.h"
 #include "geometry/local_separation.h"
 #include "geometry/planar_tools.h"
 
@@ -15,6 +16,9 @@ namespace {
 // share of the squared local separation from one another.
 constexpr double kPointClearanceFactor = 0.8099999570846563;
 constexpr double kLargest = 1.7976931348623157e+308;
+
+// 16383 x 16383 candidates take about 3 GiB.
+constexpr std::int32_t kLargestNsdim = 16383;
 
 struct Candidates {
   EmplacementGrid& grid;
@@ -53,6 +57,10 @@ bool strike_near_ring(Candidates& g, const BoundaryRing& ring,
 
 void create_emplacement_grid(RunState& state) {
   const std::int32_t nsdim = state.control.nsdim;
+  // Every seed visits all nsdim x nsdim candidates and holds a flag and a
+  // separation for each; beyond this size the grid cannot be held in memory
+  // on any machine the program is meant for.
+  if (nsdim > kLargestNsdim) fail(state, "Unable to allocate sufficient memory to continue execution.");
   EmplacementGrid& grid = state.grid;
   grid.half = nsdim / 2;
   grid.grid_x.assign(static_cast<std::size_t>(nsdim), 0.0);

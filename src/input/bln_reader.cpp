@@ -24,6 +24,33 @@ std::int32_t count_short_segments(const BoundaryRing& ring) {
   return count;
 }
 
+// Reads `count` vertex lines into `coords` and, when `with_separation`, into
+// `separations`, after making room for them all.
+void read_vertex_table(RunState& state, LineReader& reader, const std::string& file,
+                       std::int32_t& line_number, std::int32_t count, bool with_separation,
+                       std::vector<double>& coords, std::vector<double>& separations,
+                       const char* memory_message) {
+  try {
+    coords.clear();
+    coords.reserve(2 * static_cast<std::size_t>(count));
+    separations.clear();
+    if (with_separation) separations.reserve(static_cast<std::size_t>(count));
+  } catch (const std::bad_alloc&) {
+    fail(state, memory_message);
+  } catch (const std::length_error&) {
+    fail(state, memory_message);
+  }
+  for (std::int32_t k = 0; k < count; ++k) {
+    double x = 0.0;
+    double y = 0.0;
+    double separation = 0.0;
+    read_vertex_line(state, reader, file, line_number, with_separation, x, y, separation);
+    coords.push_back(x);
+    coords.push_back(y);
+    if (with_separation) separations.push_back(separation);
+  }
+}
+
 void read_ring_group(RunState& state, LineReader& reader, const std::string& file,
                      BoundaryRing& ring, bool read_separations, std::int32_t& line_number) {
   std::int32_t count = 0;
@@ -37,26 +64,9 @@ void read_ring_group(RunState& state, LineReader& reader, const std::string& fil
     fail(state, "Illegal number of points provided on line " + int_to_text(line_number) +
                     " of file " + file + ".");
   }
-  try {
-    ring.vertices.clear();
-    ring.vertices.reserve(2 * static_cast<std::size_t>(count));
-    ring.vertex_separation.clear();
-    if (read_separations) ring.vertex_separation.reserve(static_cast<std::size_t>(count));
-  } catch (const std::bad_alloc&) {
-    fail(state, "Error allocating memory to hold line data.");
-  } catch (const std::length_error&) {
-    fail(state, "Error allocating memory to hold line data.");
-  }
+  read_vertex_table(state, reader, file, line_number, count, read_separations, ring.vertices,
+                    ring.vertex_separation, "Error allocating memory to hold line data.");
   ring.vertex_count = count;
-  for (std::int32_t k = 0; k < count; ++k) {
-    double x = 0.0;
-    double y = 0.0;
-    double separation = 0.0;
-    read_vertex_line(state, reader, file, line_number, read_separations, x, y, separation);
-    ring.vertices.push_back(x);
-    ring.vertices.push_back(y);
-    if (read_separations) ring.vertex_separation.push_back(separation);
-  }
   if (read_separations) {
     std::int32_t short_segments = count_short_segments(ring);
     if (short_segments > 0) {
@@ -93,27 +103,10 @@ void read_point_file(RunState& state, const std::string& file_name, PointSet& po
     case CountStatus::kOk: break;
   }
   if (count < 1) fail(state, "Illegal number of points provided on first line of file " + file + ".");
-  try {
-    points.coords.clear();
-    points.coords.reserve(2 * static_cast<std::size_t>(count));
-    points.separation.clear();
-    points.separation.reserve(static_cast<std::size_t>(count));
-  } catch (const std::bad_alloc&) {
-    fail(state, "Error allocating memory to hold points data.");
-  } catch (const std::length_error&) {
-    fail(state, "Error allocating memory to hold points data.");
-  }
-  points.count = count;
   std::int32_t line_number = 1;
-  for (std::int32_t k = 0; k < count; ++k) {
-    double x = 0.0;
-    double y = 0.0;
-    double separation = 0.0;
-    read_vertex_line(state, reader, file, line_number, true, x, y, separation);
-    points.coords.push_back(x);
-    points.coords.push_back(y);
-    points.separation.push_back(separation);
-  }
+  read_vertex_table(state, reader, file, line_number, count, true, points.coords, points.separation,
+                    "Error allocating memory to hold points data.");
+  points.count = count;
 }
 
 void test_ring_closure(RunState& state, const BoundaryRing& ring, const std::string& file_name) {

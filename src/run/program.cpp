@@ -1,6 +1,7 @@
 #include "run/program.h"
 
 #include <new>
+#include <stdexcept>
 #include <ostream>
 
 #include "run/failure.h"
@@ -27,6 +28,10 @@ int run_program(int argc, const char* const* argv, std::ostream& screen) {
   } catch (const RunFailure&) {
     report_failure(state);
   } catch (const std::bad_alloc&) {
+    state.message_buffer = "Unable to allocate sufficient memory to continue execution.";
+    report_failure(state);
+  } catch (const std::length_error&) {
+    // A table larger than any allocation can hold is a memory failure too.
     state.message_buffer = "Unable to allocate sufficient memory to continue execution.";
     report_failure(state);
   }
