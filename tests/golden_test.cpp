@@ -119,6 +119,16 @@ TEST(GridValidity, ModelWithEveryKindOfInput) {
   check_grid(read_file(golden / "ev.disv"), read_file(golden / "ev_boundary_cells.dat"), area);
 }
 
+TEST(GridValidity, TwoHolesCrossingLinesAndWells) {
+  ScratchDir dir;
+  copy_inputs(dir, source("tests/models/two_holes"));
+  RunResult result = run_binary(dir, {"m.in"});
+  ASSERT_NE(result.screen.find(" - file m.oc written ok.\n"), std::string::npos) << result.screen;
+  const double area = bln_ring_area(dir.read("outer.bln")) - bln_ring_area(dir.read("hole1.bln")) -
+                      bln_ring_area(dir.read("hole2.bln"));
+  check_grid(dir.read("m.disv"), dir.read("m_boundary_cells.dat"), area);
+}
+
 TEST(GridValidity, CatchmentExample) {
   ScratchDir dir;
   copy_inputs(dir, source("examples/catchment"));
