@@ -10,6 +10,7 @@
 #include "emplacement/growth_limit.h"
 #include "emplacement/interior_emplacement.h"
 #include "geometry/local_separation.h"
+#include "geometry/source_index.h"
 #include "run/failure.h"
 #include "run/phases.h"
 
@@ -381,6 +382,14 @@ TEST(SeedRange, KeepsItsValueWhenTheScanFindsNothing) {
   EXPECT_EQ(seed_range_start(state, 4, 2), 2);
 }
 
+struct Random {
+  std::uint64_t state;
+  double next() {
+    state = state * 6364136223846793005ULL + 1442695040888963407ULL;
+    return static_cast<double>(state >> 11) * (1.0 / 9007199254740992.0);
+  }
+};
+
 RunState field_model() {
   RunState state = state_with_capacity();
   state.control.max_centroid_separation = 40.0;
@@ -428,6 +437,34 @@ TEST(LocalSeparationFastPath, GivesTheReferenceBits) {
     }
   }
   EXPECT_EQ(differences, 0);
+}
+
+TEST(LocalSeparationFastPath, IndexedSourcesGiveTheReferenceBits) {
+  RunState state = field_model();
+  build_source_index(state);
+  ASSERT_TRUE(state.source_index.built);
+  Random r{777};
+  int differences = 0;
+  int compared = 0;
+  for (int k = 0; k < 20000; ++k) {
+    // Inside the sources' extent, around it, and far away from it.
+    const double spread = k % 10 == 0 ? 1.0e6 : 500.0;
+    const double x = 150.0 + (r.next() - 0.5) * spread;
+    const double y = 100.0 + (r.next() - 0.5) * spread;
+    for (double growth : {1.05, 1.2, 2.0}) {
+      ++compared;
+      if (local_separation(state, x, y, growth) != local_separation_reference(state, x, y, growth)) {
+        ++differences;
+      }
+    }
+  }
+  for (std::int32_t j = 0; j < state.outer_boundary.point_count; ++j) {
+    const double x = state.outer_boundary.points[2 * j];
+    const double y = state.outer_boundary.points[2 * j + 1];
+    ++compared;
+    if (local_separation(state, x, y, 1.2) != local_separation_reference(state, x, y, 1.2)) ++differences;
+  }
+  EXPECT_EQ(differences, 0) << "of " << compared;
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "emplacement/chains.h"
 #include "emplacement/fixed_points.h"
 #include "emplacement/growth_limit.h"
+#include "geometry/source_index.h"
 #include "run/failure.h"
 #include "run/phases.h"
 #include "run/text_tools.h"
@@ -44,6 +45,8 @@ void populate_chains(RunState& state) {
     state.smallest_max_separation =
         std::min(state.smallest_max_separation, c.inner_polygon_max_separation[static_cast<std::size_t>(i)]);
   }
+  // The chains are the sources of the separation field from here on.
+  build_source_index(state);
 }
 
 bool lower_separations(RunState& state) {

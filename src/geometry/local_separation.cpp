@@ -9,6 +9,11 @@ namespace tesseramill {
 
 namespace {
 
+constexpr double kLargest = 1.7976931348623157e+308;
+// Relative margin of the skipping bounds, far above the rounding of the
+// logarithm and power it guards.
+constexpr double kMargin = 1.0 + 1e-9;
+
 struct GrowthConstants {
   double growth;
   double growth_less_one;
@@ -18,6 +23,7 @@ struct GrowthConstants {
   // A little under rise_start: for a at or below it the exponent is surely
   // negative, so the size is the source's own separation.
   double surely_flat;
+  double reciprocal_growth_less_one;
 };
 
 GrowthConstants constants_for(double growth) {
@@ -27,7 +33,16 @@ GrowthConstants constants_for(double growth) {
   k.reciprocal_log_growth = 1.0 / std::log(growth);
   k.rise_start = std::pow(growth, 1.5);
   k.surely_flat = k.rise_start * (1.0 - 1e-9);
+  k.reciprocal_growth_less_one = 1.0 / k.growth_less_one;
   return k;
+}
+
+// The run calls the field with one growth rate throughout, so its constants
+// are worked out once and kept.
+const GrowthConstants& cached_constants_for(double growth) {
+  static GrowthConstants cached = constants_for(2.0);
+  if (cached.growth != growth) cached = constants_for(growth);
+  return cached;
 }
 
 // The size that one source of separation `s` at distance `d` asks for.
@@ -48,32 +63,75 @@ void fold_reference(double x, double y, const GrowthConstants& k, const double* 
   }
 }
 
-// Folds the same sizes as fold_reference into `result`, leaving out every
-// source whose size cannot be below the result reached so far.  A source
-// never asks for less than its own separation, and beyond
-// (result * growth^1.5 - s) / (growth - 1) it asks for at least the result;
-// a relative margin of 1e-9 covers the rounding of the logarithm and power.
+// Folds the size of one source into `result` unless it provably cannot
+// lower it.  A source never asks for less than its own separation, and
+// beyond (result * growth^1.5 - s) / (growth - 1) it asks for at least the
+// result.
+inline void fold_source(double x, double y, const GrowthConstants& k, double sx, double sy, double s,
+                        double& result) {
+  if (s >= result) return;
+  const double dx = x - sx;
+  const double dy = y - sy;
+  const double d2 = dx * dx + dy * dy;
+  const double reach = (result * k.rise_start - s) * k.reciprocal_growth_less_one * kMargin;
+  if (d2 >= reach * reach) return;
+  const double d = std::sqrt(d2);
+  const double a = d * k.growth_less_one / s + 1.0;
+  const double size = a <= k.surely_flat ? s : source_size(k, d, s);
+  result = std::min(result, size);
+}
+
 void fold_fast(double x, double y, const GrowthConstants& k, const double* coords,
                const double* separations, std::int32_t count, double& result) {
   for (std::int32_t j = 0; j < count; ++j) {
-    const double s = separations[j];
-    if (s >= result) continue;
-    const double dx = x - coords[2 * j];
-    const double dy = y - coords[2 * j + 1];
-    const double d2 = dx * dx + dy * dy;
-    const double reach = (result * k.rise_start - s) / k.growth_less_one * (1.0 + 1e-9);
-    if (d2 >= reach * reach) continue;
-    const double d = std::sqrt(d2);
-    const double a = d * k.growth_less_one / s + 1.0;
-    const double size = a <= k.surely_flat ? s : source_size(k, d, s);
-    result = std::min(result, size);
+    fold_source(x, y, k, coords[2 * j], coords[2 * j + 1], separations[j], result);
+  }
+}
+
+// Folds the sources of the bucket grid ring by ring outwards from (x, y),
+// stopping where no source can lower the result any more: a source at
+// distance d asks for at least d (growth - 1) / growth^1.5.
+void fold_indexed(const SourceIndex& index, double x, double y, const GrowthConstants& k, double& result) {
+  const std::int64_t nx = index.nx;
+  const std::int64_t ny = index.ny;
+  // Cells far outside the grid are all alike; clamping keeps the integers small.
+  const double reach_limit = 4.0 * static_cast<double>(std::max(nx, ny));
+  const std::int64_t ci = static_cast<std::int64_t>(
+      std::clamp(std::floor((x - index.x0) * index.inverse_h), -reach_limit, reach_limit));
+  const std::int64_t cj = static_cast<std::int64_t>(
+      std::clamp(std::floor((y - index.y0) * index.inverse_h), -reach_limit, reach_limit));
+  const std::int64_t last_ring = std::max(std::max(ci, nx - 1 - ci), std::max(cj, ny - 1 - cj));
+  auto fold_cell = [&](std::int64_t i, std::int64_t j) {
+    const std::size_t c = static_cast<std::size_t>(j * nx + i);
+    for (std::int32_t m = index.cell_start[c]; m < index.cell_start[c + 1]; ++m) {
+      const std::size_t at = static_cast<std::size_t>(m);
+      fold_source(x, y, k, index.xs[at], index.ys[at], index.separations[at], result);
+    }
+  };
+  for (std::int64_t r = 0; r <= last_ring; ++r) {
+    if (r > 1) {
+      // Every cell of ring r lies at least (r - 1) cell widths away.
+      const double nearest = static_cast<double>(r - 1) * index.h;
+      if (nearest * k.growth_less_one >= result * k.rise_start * kMargin) break;
+    }
+    const std::int64_t jlo = std::max<std::int64_t>(0, cj - r);
+    const std::int64_t jhi = std::min<std::int64_t>(ny - 1, cj + r);
+    const std::int64_t ilo = std::max<std::int64_t>(0, ci - r);
+    const std::int64_t ihi = std::min<std::int64_t>(nx - 1, ci + r);
+    for (std::int64_t j = jlo; j <= jhi; ++j) {
+      if (j == cj - r || j == cj + r) {
+        for (std::int64_t i = ilo; i <= ihi; ++i) fold_cell(i, j);
+      } else {
+        if (ci - r >= 0 && ci - r < nx) fold_cell(ci - r, j);
+        if (ci + r >= 0 && ci + r < nx) fold_cell(ci + r, j);
+      }
+    }
   }
 }
 
 template <typename Fold>
-double field(const RunState& state, double x, double y, double growth, Fold fold) {
-  double result = 1.7976931348623157e+308;
-  const GrowthConstants k = constants_for(growth);
+void fold_all_sources(const RunState& state, double x, double y, const GrowthConstants& k, Fold fold,
+                      double& result) {
   for (const PointSet& points : state.inner_point_sets) {
     fold(x, y, k, points.coords.data(), points.separation.data(), points.count, result);
   }
@@ -84,9 +142,11 @@ double field(const RunState& state, double x, double y, double growth, Fold fold
   for (const BoundaryRing& line : state.inner_lines) chain(line);
   for (const BoundaryRing& ring : state.inner_boundaries) chain(ring);
   for (const BoundaryRing& ring : state.inner_polygons) chain(ring);
+}
 
+// The caps of inner polygons holding the point and of MAX_CENTROID_SEPARATION.
+double capped(const RunState& state, double x, double y, double result) {
   if (state.smallest_max_separation > result) return result;
-
   const ControlData& c = state.control;
   for (std::size_t i = 0; i < state.inner_polygons.size(); ++i) {
     const BoundaryRing& polygon = state.inner_polygons[i];
@@ -100,11 +160,20 @@ double field(const RunState& state, double x, double y, double growth, Fold fold
 }  // namespace
 
 double local_separation(const RunState& state, double x, double y, double growth) {
-  return field(state, x, y, growth, fold_fast);
+  const GrowthConstants& k = cached_constants_for(growth);
+  double result = kLargest;
+  if (state.source_index.built) {
+    fold_indexed(state.source_index, x, y, k, result);
+  } else {
+    fold_all_sources(state, x, y, k, fold_fast, result);
+  }
+  return capped(state, x, y, result);
 }
 
 double local_separation_reference(const RunState& state, double x, double y, double growth) {
-  return field(state, x, y, growth, fold_reference);
+  double result = kLargest;
+  fold_all_sources(state, x, y, constants_for(growth), fold_reference, result);
+  return capped(state, x, y, result);
 }
 
 }  // namespace tesseramill

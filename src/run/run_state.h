@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "emplacement/mesh_point_list.h"
+#include "geometry/source_index.h"
 #include "input/boundary_ring.h"
 #include "relaxation/cell_tables.h"
 #include "run/control_data.h"
@@ -56,6 +57,8 @@ struct RunState {
   // The smallest of the run's maximum separations; below it the caps of the
   // separation field cannot matter.
   double smallest_max_separation = 0.0;
+  // Sources of the separation field by place, rebuilt whenever the chains change.
+  SourceIndex source_index;
 
   MeshPointList mesh;
   EmplacementGrid grid;
