@@ -161,7 +161,15 @@ double capped(const RunState& state, double x, double y, double result) {
 
 double local_separation(const RunState& state, double x, double y, double growth) {
   const GrowthConstants& k = cached_constants_for(growth);
-  double result = kLargest;
+  // MAX_CENTROID_SEPARATION caps the result in the end, so a source asking
+  // for that much or more cannot change it: sizes are sought below the cap
+  // only.  When none is found the result stays at the cap, which the caps
+  // then turn into the same value as the largest double would give.  This
+  // holds while the smallest cap is no larger than that one, as the run
+  // makes it.
+  const double cap = state.control.max_centroid_separation;
+  const bool cap_bounds = cap > 0.0 && cap < kLargest && state.smallest_max_separation <= cap;
+  double result = cap_bounds ? cap : kLargest;
   if (state.source_index.built) {
     fold_indexed(state.source_index, x, y, k, result);
   } else {
