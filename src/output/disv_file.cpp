@@ -59,7 +59,6 @@ GridVertices number_grid_vertices(RunState& state) {
       grid.triangle_vertex_number[static_cast<std::size_t>(t)] = ++counter;
     }
   }
-  grid.ring_vertices = sum;
   grid.nvert = counter;
   return grid;
 }

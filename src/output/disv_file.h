@@ -10,7 +10,6 @@ namespace tesseramill {
 
 struct GridVertices {
   std::int32_t nvert = 0;
-  std::int32_t ring_vertices = 0;  // vertices of the rings, numbered first
   std::vector<std::int32_t> triangle_use_count;
   std::vector<std::int32_t> triangle_vertex_number;
 };

@@ -15,7 +15,6 @@ inline constexpr std::size_t kBlnLineLength = 100;
 inline constexpr std::size_t kFileNameLength = 256;
 inline constexpr std::size_t kNumericTokenLength = 30;
 inline constexpr std::size_t kMessageLength = 1500;
-inline constexpr std::size_t kKeywordLabelLength = 40;
 inline constexpr std::size_t kBlockLabelLength = 30;
 
 inline constexpr int kMaxPolyVert = 100;
