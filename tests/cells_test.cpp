@@ -284,3 +284,84 @@ TEST(LloydStep, FirstFreePointFollowsTheFixedPoints) {
 
 }  // namespace
 }  // namespace tesseramill
+
+namespace tesseramill {
+namespace {
+
+// A state whose point 1 has the triangles of `column` and whose triangles
+// have the given neighbours.
+RunState fan_state(const std::vector<std::int32_t>& column,
+                   const std::vector<std::vector<std::int32_t>>& neighbours) {
+  RunState state;
+  state.mesh.mesh_point_count = 1;
+  TriangleTable& tt = state.triangles;
+  tt.triangle_count = static_cast<std::int32_t>(neighbours.size());
+  for (const auto& n : neighbours) {
+    tt.tri_neighbour.insert(tt.tri_neighbour.end(), n.begin(), n.end());
+    tt.tri_vertex.insert(tt.tri_vertex.end(), {1, 1, 1});
+  }
+  tt.point_tri_count = {static_cast<std::int32_t>(column.size())};
+  tt.row_capacity = static_cast<std::int32_t>(column.size()) + 2;
+  tt.connected_triangles.assign(static_cast<std::size_t>(tt.row_capacity), 0);
+  std::copy(column.begin(), column.end(), tt.connected_triangles.begin());
+  state.mesh.work_list.assign(column.size() + 2, 0);
+  return state;
+}
+
+std::string failure_of(RunState& state, void (*phase)(RunState&)) {
+  try {
+    phase(state);
+  } catch (const RunFailure&) {
+    return state.message_buffer;
+  }
+  return "";
+}
+
+TEST(OrderConnectedTriangles, ThreeNeighboursInOneFanIsAnAnomaly) {
+  RunState state = fan_state({1, 2, 3, 4}, {{2, 3, 4}, {1, -1, -1}, {1, -1, -1}, {1, -1, -1}});
+  EXPECT_EQ(failure_of(state, order_connected_triangles),
+            "Connection anomaly for connected triangle 1of point 1.");
+}
+
+TEST(OrderConnectedTriangles, WalkWithoutANeighbourFails) {
+  RunState state = fan_state({1, 2, 3, 4}, {{-1, -1, -1}, {3, -1, -1}, {2, -1, -1}, {-1, -1, -1}});
+  EXPECT_EQ(failure_of(state, order_connected_triangles), "Missing triangle local neighbour: cell = 1");
+}
+
+TEST(AssembleCellPolygons, PlainCellWithOneTriangleFails) {
+  RunState state;
+  state.mesh.mesh_point_count = 3;
+  state.mesh.mesh_points = {0, 0, 1, 0, 0, 1};
+  TriangleTable& tt = state.triangles;
+  tt.triangle_count = 1;
+  tt.tri_centroid = {0.3, 0.3};
+  tt.point_tri_count = {1, 1, 1};
+  tt.row_capacity = 3;
+  tt.connected_triangles = {1, 0, 0, 1, 0, 0, 1, 0, 0};
+  EXPECT_EQ(failure_of(state, assemble_cell_polygons),
+            "Only a single triangle, or zero triangles, is connected to emplaced point number 1. This "
+            "is an internal point.");
+}
+
+TEST(AssembleCellPolygons, InnerPointWithOneTriangleIsReportedAsTheCountPlusOne) {
+  RunState state;
+  PointSet points;
+  points.count = 1;
+  points.coords = {0, 0};
+  points.separation = {1};
+  state.inner_point_sets.push_back(points);
+  state.mesh.mesh_point_count = 3;
+  state.mesh.mesh_points = {0, 0, 1, 0, 0, 1};
+  TriangleTable& tt = state.triangles;
+  tt.triangle_count = 1;
+  tt.tri_centroid = {0.3, 0.3};
+  tt.point_tri_count = {1, 1, 1};
+  tt.row_capacity = 3;
+  tt.connected_triangles = {1, 0, 0, 1, 0, 0, 1, 0, 0};
+  EXPECT_EQ(failure_of(state, assemble_cell_polygons),
+            "Only a single triangle, or zero triangles, is connected to emplaced point number 4. This "
+            "is an internal point.");
+}
+
+}  // namespace
+}  // namespace tesseramill

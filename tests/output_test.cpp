@@ -180,3 +180,36 @@ TEST(Mf6Files, StemNamesEveryFileButMfsim) {
 
 }  // namespace
 }  // namespace tesseramill
+
+namespace tesseramill {
+namespace {
+
+TEST(NumberGridVertices, RingVerticesMustAgreeWithTheEdgeCodes) {
+  RunState state;
+  state.outer_boundary.point_count = 5;
+  state.cells.edge_code_base = 6;
+  try {
+    number_grid_vertices(state);
+    FAIL();
+  } catch (const RunFailure&) {
+    EXPECT_EQ(state.message_buffer, "Logical error type 4.");
+  }
+}
+
+TEST(NumberGridVertices, UsedTrianglesFollowTheRingVerticesWithoutGaps) {
+  RunState state;
+  state.outer_boundary.point_count = 5;
+  state.cells.edge_code_base = 8;
+  state.triangles.triangle_count = 4;
+  // Triangle 2 is named by no corner.
+  state.cells.cell_vertex_code = {-1, -2, 1, 3, 3, -8, 4, 0};
+  const GridVertices grid = number_grid_vertices(state);
+  EXPECT_EQ(grid.triangle_use_count, (std::vector<std::int32_t>{1, 0, 2, 1}));
+  EXPECT_EQ(grid.triangle_vertex_number[0], 9);
+  EXPECT_EQ(grid.triangle_vertex_number[2], 10);
+  EXPECT_EQ(grid.triangle_vertex_number[3], 11);
+  EXPECT_EQ(grid.nvert, 11);
+}
+
+}  // namespace
+}  // namespace tesseramill
