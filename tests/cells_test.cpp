@@ -328,8 +328,8 @@ TEST(OrderConnectedTriangles, WalkWithoutANeighbourFails) {
   EXPECT_EQ(failure_of(state, order_connected_triangles), "Missing triangle local neighbour: cell = 1");
 }
 
-TEST(AssembleCellPolygons, PlainCellWithOneTriangleFails) {
-  RunState state;
+// Three mesh points sharing a single triangle.
+void one_triangle(RunState& state) {
   state.mesh.mesh_point_count = 3;
   state.mesh.mesh_points = {0, 0, 1, 0, 0, 1};
   TriangleTable& tt = state.triangles;
@@ -338,6 +338,11 @@ TEST(AssembleCellPolygons, PlainCellWithOneTriangleFails) {
   tt.point_tri_count = {1, 1, 1};
   tt.row_capacity = 3;
   tt.connected_triangles = {1, 0, 0, 1, 0, 0, 1, 0, 0};
+}
+
+TEST(AssembleCellPolygons, PlainCellWithOneTriangleFails) {
+  RunState state;
+  one_triangle(state);
   EXPECT_EQ(failure_of(state, assemble_cell_polygons),
             "Only a single triangle, or zero triangles, is connected to emplaced point number 1. This "
             "is an internal point.");
@@ -350,14 +355,7 @@ TEST(AssembleCellPolygons, InnerPointWithOneTriangleIsReportedAsTheCountPlusOne)
   points.coords = {0, 0};
   points.separation = {1};
   state.inner_point_sets.push_back(points);
-  state.mesh.mesh_point_count = 3;
-  state.mesh.mesh_points = {0, 0, 1, 0, 0, 1};
-  TriangleTable& tt = state.triangles;
-  tt.triangle_count = 1;
-  tt.tri_centroid = {0.3, 0.3};
-  tt.point_tri_count = {1, 1, 1};
-  tt.row_capacity = 3;
-  tt.connected_triangles = {1, 0, 0, 1, 0, 0, 1, 0, 0};
+  one_triangle(state);
   EXPECT_EQ(failure_of(state, assemble_cell_polygons),
             "Only a single triangle, or zero triangles, is connected to emplaced point number 4. This "
             "is an internal point.");

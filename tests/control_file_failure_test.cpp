@@ -154,14 +154,7 @@ TEST(ControlFileFailure, EndWithNoBlockOpen) {
 TEST(ControlFileFailure, OuterBoundaryWithoutBlnFile) {
   expect_failure(" OUTER_BOUNDARY block that finishes on line 8 of file t.in does not contain a \n"
                  "   BLN_FILE keyword.\n",
-                 {"START CONTROL",
-                  "  MAX_CENTROID_SEPARATION 100",
-                  "  POLY_GROWTH_RATE 1.2",
-                  "  OUT_FILE_BASE m1",
-                  "  MAX_CELLS 2000",
-                  "END CONTROL",
-                  "START OUTER_BOUNDARY",
-                  "END OUTER_BOUNDARY"});
+                 joined({kControl, {"START OUTER_BOUNDARY", "END OUTER_BOUNDARY"}}));
 }
 
 TEST(ControlFileFailure, InnerBoundaryWithoutBlnFile) {
@@ -227,40 +220,22 @@ TEST(ControlFileFailure, ControlFirstBlockHasNoBlockName) {
 TEST(ControlFileFailure, ControlShowsTheBlockClosedBeforeIt) {
   expect_failure(" OUTER_BOUNDARY block that finishes on line 8 of file t.in does not contain a \n"
                  "   MAX_CELLS keyword.\n",
-                 {"START OUTER_BOUNDARY",
-                  "  BLN_FILE outer.bln",
-                  "END OUTER_BOUNDARY",
-                  "START CONTROL",
-                  "  MAX_CENTROID_SEPARATION 100",
-                  "  POLY_GROWTH_RATE 1.2",
-                  "  OUT_FILE_BASE m1",
-                  "END CONTROL"});
+                 joined({kOuter,
+                         {"START CONTROL", "  MAX_CENTROID_SEPARATION 100", "  POLY_GROWTH_RATE 1.2",
+                          "  OUT_FILE_BASE m1", "END CONTROL"}}));
 }
 
 TEST(ControlFileFailure, ControlWithoutSeparation) {
   expect_failure(" MF6 block that finishes on line 7 of file t.in does not contain a \n"
                  "   MAX_CENTROID_SEPARATION keyword.\n",
-                 {"START MF6",
-                  "  MF6_BASENAME m1",
-                  "  NLAY 1",
-                  "END MF6",
-                  "START CONTROL",
-                  "  POLY_GROWTH_RATE 1.2",
-                  "END"});
+                 joined({kMf6, {"START CONTROL", "  POLY_GROWTH_RATE 1.2", "END"}}));
 }
 
 TEST(ControlFileFailure, ControlWithoutOutFileBase) {
   expect_failure(" MF6 block that finishes on line 9 of file t.in does not contain a \n"
                  "   OUT_FILE_BASE keyword.\n",
-                 {"START MF6",
-                  "  MF6_BASENAME m1",
-                  "  NLAY 1",
-                  "END MF6",
-                  "START CONTROL",
-                  "  POLY_GROWTH_RATE 1.2",
-                  "MAX_CENTROID_SEPARATION 3",
-                  "MAX_CELLS 2000",
-                  "END"});
+                 joined({kMf6, {"START CONTROL", "  POLY_GROWTH_RATE 1.2", "MAX_CENTROID_SEPARATION 3",
+                                "MAX_CELLS 2000", "END"}}));
 }
 
 TEST(ControlFileFailure, KeywordOutsideAnyBlock) {
@@ -280,14 +255,7 @@ TEST(ControlFileFailure, XoriginInControlBlockUsesItsLabel) {
 
 TEST(ControlFileFailure, NumlinesInOuterBoundary) {
   expect_failure(" NUMLINES keyword is not allowed in OUTER_BOUNDARY block.\n",
-                 {"START CONTROL",
-                  "  MAX_CENTROID_SEPARATION 100",
-                  "  POLY_GROWTH_RATE 1.2",
-                  "  OUT_FILE_BASE m1",
-                  "  MAX_CELLS 2000",
-                  "END CONTROL",
-                  "START OUTER_BOUNDARY",
-                  "NUMLINES 2"});
+                 joined({kControl, {"START OUTER_BOUNDARY", "NUMLINES 2"}}));
 }
 
 TEST(ControlFileFailure, NlayRepeated) {
@@ -328,18 +296,7 @@ TEST(ControlFileFailure, KeywordWithoutValue) {
 
 TEST(ControlFileFailure, NlayAsRealCannotBeRead) {
   expect_failure(" Cannot read value following NLAY keyword at line 12 of file t.in.\n",
-                 {"START CONTROL",
-                  "  MAX_CENTROID_SEPARATION 100",
-                  "  POLY_GROWTH_RATE 1.2",
-                  "  OUT_FILE_BASE m1",
-                  "  MAX_CELLS 2000",
-                  "END CONTROL",
-                  "START OUTER_BOUNDARY",
-                  "  BLN_FILE outer.bln",
-                  "END OUTER_BOUNDARY",
-                  "START MF6",
-                  "  MF6_BASENAME m1",
-                  "  NLAY 2.5"});
+                 joined({kControl, kOuter, {"START MF6", "  MF6_BASENAME m1", "  NLAY 2.5"}}));
 }
 
 TEST(ControlFileFailure, RealThatCannotBeRead) {
@@ -496,14 +453,7 @@ TEST(ControlFileFailure, LloydFac101) {
 
 TEST(ControlFileFailure, EndOfFileWithBlockOpen) {
   expect_failure(" End encountered to file t.in before closure of INNER_POLYGON block.\n",
-                 {"START CONTROL",
-                  "  MAX_CENTROID_SEPARATION 100",
-                  "  POLY_GROWTH_RATE 1.2",
-                  "  OUT_FILE_BASE m1",
-                  "  MAX_CELLS 2000",
-                  "END CONTROL",
-                  "START INNER_POLYGON",
-                  "  BLN_FILE p.bln"});
+                 joined({kControl, {"START INNER_POLYGON", "  BLN_FILE p.bln"}}));
 }
 
 TEST(ControlFileFailure, EmptyInputFile) {
@@ -513,26 +463,12 @@ TEST(ControlFileFailure, EmptyInputFile) {
 
 TEST(ControlFileFailure, NoControlBlockIsReportedAsInnerPolygon) {
   expect_failure(" No INNER_POLYGON block found in file t.in.\n",
-                 {"START OUTER_BOUNDARY",
-                  "  BLN_FILE outer.bln",
-                  "END OUTER_BOUNDARY",
-                  "START MF6",
-                  "  MF6_BASENAME m1",
-                  "  NLAY 1",
-                  "END MF6"});
+                 joined({kOuter, kMf6}));
 }
 
 TEST(ControlFileFailure, NoMf6Block) {
   expect_failure(" No MF6 block found in file t.in.\n",
-                 {"START CONTROL",
-                  "  MAX_CENTROID_SEPARATION 100",
-                  "  POLY_GROWTH_RATE 1.2",
-                  "  OUT_FILE_BASE m1",
-                  "  MAX_CELLS 2000",
-                  "END CONTROL",
-                  "START OUTER_BOUNDARY",
-                  "  BLN_FILE outer.bln",
-                  "END OUTER_BOUNDARY"});
+                 joined({kControl, kOuter}));
 }
 
 TEST(ControlFileFailure, OuterAndInnerBoundaryShareAFile) {

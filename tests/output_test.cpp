@@ -121,10 +121,6 @@ RunResult run_small(ScratchDir& dir, const std::string& base, const std::string&
   return tesseramill_test::run_binary(dir, {"t.in"});
 }
 
-std::string tail_of(const std::string& screen, std::size_t size) {
-  return screen.size() < size ? screen : screen.substr(screen.size() - size);
-}
-
 TEST(LastPhaseFailure, UnwritableGridFileLeavesEveryEarlierFile) {
   ScratchDir dir;
   std::filesystem::create_directory(dir.path() / "grid.disv");
@@ -133,7 +129,7 @@ TEST(LastPhaseFailure, UnwritableGridFileLeavesEveryEarlierFile) {
       " - files m_boundary_cells.dat written ok.\n"
       " \n - writing MODFLOW 6 DISV and other files...\n"
       "\n Cannot write to file grid.disv.\n";
-  EXPECT_EQ(tail_of(r.screen, tail.size()), tail);
+  EXPECT_EQ(tesseramill_test::screen_tail(r.screen, tail.size()), tail);
   EXPECT_EQ(dir.listing(), (std::vector<std::string>{
                                "grid.disv", "m_boundary_cells.dat", "m_polygon_centroids_0.dat",
                                "m_polygons_0.bln", "m_polygons_0.mid", "m_polygons_0.mif",
@@ -148,7 +144,7 @@ TEST(LastPhaseFailure, UnwritableSimulationNameFileLeavesTheGrid) {
   const std::string tail =
       " - file grid.disv written ok.\n"
       "\n Cannot write to file mfsim.nam.\n";
-  EXPECT_EQ(tail_of(r.screen, tail.size()), tail);
+  EXPECT_EQ(tesseramill_test::screen_tail(r.screen, tail.size()), tail);
   EXPECT_NE(dir.read("grid.disv").find("END CELL2D\n"), std::string::npos);
 }
 
@@ -158,7 +154,7 @@ TEST(MapFileFailure, MissingFolderOfTheBaseStopsTheRun) {
   const std::string tail =
       "\n - commencing Lloyd iterations...\n"
       "\n Cannot write to file nowhere/m_triangles_0.mif.\n";
-  EXPECT_EQ(tail_of(r.screen, tail.size()), tail);
+  EXPECT_EQ(tesseramill_test::screen_tail(r.screen, tail.size()), tail);
 }
 
 TEST(Mf6Files, StemNamesEveryFileButMfsim) {
@@ -175,7 +171,7 @@ TEST(Mf6Files, StemNamesEveryFileButMfsim) {
       " - file model.disv written ok.\n - file mfsim.nam written ok.\n - file model.tdis written ok.\n"
       " - file model.ims written ok.\n - file model.nam written ok.\n - file model.ic written ok.\n"
       " - file model.npf written ok.\n - file model.chd written ok.\n - file model.oc written ok.\n";
-  EXPECT_EQ(tail_of(r.screen, tail.size()), tail);
+  EXPECT_EQ(tesseramill_test::screen_tail(r.screen, tail.size()), tail);
 }
 
 }  // namespace

@@ -95,6 +95,10 @@ std::string reading(const std::string& file) {
 
 namespace tesseramill_test {
 
+std::string screen_tail(const std::string& screen, std::size_t size) {
+  return screen.size() < size ? screen : screen.substr(screen.size() - size);
+}
+
 void copy_model(const ScratchDir& dir, const std::string& model) {
   const std::filesystem::path source = std::filesystem::path(TESSERAMILL_SOURCE_DIR) / "tests" / "models" / model;
   for (const auto& entry : std::filesystem::directory_iterator(source)) {

@@ -44,6 +44,9 @@ std::string reading(const std::string& file);
 
 namespace tesseramill_test {
 
+// The last `size` characters of a screen text (all of it when shorter).
+std::string screen_tail(const std::string& screen, std::size_t size);
+
 // Copies every file of tests/models/<model> into `dir`.
 void copy_model(const ScratchDir& dir, const std::string& model);
 
