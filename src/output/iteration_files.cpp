@@ -23,10 +23,11 @@ void append_coordinates(std::string& line, double x, double y) {
   append_fixed(line, y, 15, 3);
 }
 
-std::string coordinate_line(double x, double y) {
-  std::string line;
+// Writes one coordinate line, reusing `line` as the buffer.
+void put_coordinates(OutputFile& out, std::string& line, double x, double y) {
+  line.clear();
   append_coordinates(line, x, y);
-  return line;
+  put_line(out, line);
 }
 
 }  // namespace
@@ -55,7 +56,7 @@ void write_triangle_map_files(RunState& state) {
       const std::size_t v = static_cast<std::size_t>(tt.tri_vertex[3 * k + static_cast<std::size_t>(e)] - 1);
       corner[e][0] = p[2 * v];
       corner[e][1] = p[2 * v + 1];
-      put_line(mif, coordinate_line(corner[e][0] + state.x_offset, corner[e][1] + state.y_offset));
+      put_coordinates(mif, line, corner[e][0] + state.x_offset, corner[e][1] + state.y_offset);
     }
     const double cx = (corner[0][0] + corner[1][0] + corner[2][0]) * 0.3333333333333333 + state.x_offset;
     const double cy = (corner[0][1] + corner[1][1] + corner[2][1]) * 0.3333333333333333 + state.y_offset;
@@ -97,8 +98,8 @@ void write_polygon_map_files(RunState& state) {
     put_line(mif, line);
     for (std::int32_t j = 0; j <= m; ++j) {
       const std::size_t c = first + static_cast<std::size_t>(j == m ? 0 : j);
-      put_line(mif, coordinate_line(cells.cell_vertices[2 * c] + state.x_offset,
-                                    cells.cell_vertices[2 * c + 1] + state.y_offset));
+      put_coordinates(mif, line, cells.cell_vertices[2 * c] + state.x_offset,
+                      cells.cell_vertices[2 * c + 1] + state.y_offset);
     }
     line = "Center";
     append_coordinates(line, cells.cell_centroid[2 * k] + state.x_offset,
