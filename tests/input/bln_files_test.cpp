@@ -2,7 +2,7 @@
 // program: every screen line, warning and failure message.
 #include <gtest/gtest.h>
 
-#include "scratch.h"
+#include "support/scratch.h"
 
 namespace tesseramill_test {
 namespace {

@@ -1,7 +1,7 @@
 // The Lloyd loop end to end on a small square model.
 #include <gtest/gtest.h>
 
-#include "scratch.h"
+#include "support/scratch.h"
 
 namespace tesseramill_test {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "run/failure.h"
 #include "run/phases.h"
-#include "scratch.h"
+#include "support/scratch.h"
 
 namespace tesseramill {
 namespace {

@@ -1,4 +1,4 @@
-#include "disv_check.h"
+#include "support/disv_check.h"
 
 #include <cmath>
 #include <sstream>

@@ -1,7 +1,7 @@
 // The program's command line, banner and usage text, run end to end.
 #include <gtest/gtest.h>
 
-#include "scratch.h"
+#include "support/scratch.h"
 
 namespace tesseramill_test {
 namespace {

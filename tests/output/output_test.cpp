@@ -6,7 +6,7 @@
 #include "output/disv_file.h"
 #include "output/iteration_files.h"
 #include "run/failure.h"
-#include "scratch.h"
+#include "support/scratch.h"
 
 namespace tesseramill {
 namespace {

@@ -9,8 +9,8 @@
 #include <set>
 #include <sstream>
 
-#include "disv_check.h"
-#include "scratch.h"
+#include "support/disv_check.h"
+#include "support/scratch.h"
 
 namespace tesseramill_test {
 namespace {

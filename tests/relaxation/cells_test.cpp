@@ -7,7 +7,7 @@
 #include "relaxation/cell_polygons.h"
 #include "relaxation/lloyd_step.h"
 #include "run/failure.h"
-#include "scratch.h"
+#include "support/scratch.h"
 
 namespace tesseramill {
 namespace {
