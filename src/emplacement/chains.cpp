@@ -17,31 +17,48 @@ double segment_length(const BoundaryRing& ring, std::int32_t j) {
   return std::sqrt(dx * dx + dy * dy);
 }
 
+// The mean of the two end separations.  Two separations near the largest
+// double can add up past it; their halves are added instead, which gives the
+// same value whenever the plain sum is finite.
 double segment_mean(const BoundaryRing& ring, std::int32_t j) {
-  return (ring.vertex_separation[j] + ring.vertex_separation[j + 1]) * 0.5;
+  const double a = ring.vertex_separation[j];
+  const double b = ring.vertex_separation[j + 1];
+  const double sum = a + b;
+  return std::isfinite(sum) ? sum * 0.5 : a * 0.5 + b * 0.5;
+}
+
+// The number of equal pieces of segment j: the integer ceiling of its length
+// divided by the mean of its end separations.  A segment of non-zero length
+// has at least one piece even where the quotient underflows to zero (a tiny
+// segment between huge separations); a quotient that is not finite or larger
+// than any chain may be gives 0.
+std::int64_t segment_pieces(const BoundaryRing& ring, std::int32_t j, double length) {
+  const double pieces = std::ceil(length / segment_mean(ring, j));
+  if (!(pieces <= static_cast<double>(kChainPointBudget))) return 0;
+  return pieces < 1.0 ? 1 : static_cast<std::int64_t>(pieces);
 }
 
 }  // namespace
 
-int subdivide_polyline(BoundaryRing& ring) {
+int subdivide_polyline(BoundaryRing& ring, std::int64_t max_points) {
   const std::int32_t n = ring.vertex_count;
+  // Every segment is looked at for a zero length before a chain too long for
+  // its tables is refused, as the tables are only sought after the count.
   std::int64_t total = 1;
+  bool too_many = false;
   for (std::int32_t j = 0; j + 1 < n; ++j) {
     const double length = segment_length(ring, j);
     if (length == 0.0) return kSubdivideZeroSegment;
-    const double pieces = std::ceil(length / segment_mean(ring, j));
-    if (!(pieces < static_cast<double>(std::numeric_limits<std::int32_t>::max()))) {
-      return kSubdivideNoMemory;
-    }
-    total += static_cast<std::int64_t>(pieces);
-    if (total >= std::numeric_limits<std::int32_t>::max() / 2) return kSubdivideNoMemory;
+    const std::int64_t pieces = segment_pieces(ring, j, length);
+    if (pieces == 0 || total + pieces > max_points) too_many = true;
+    if (!too_many) total += pieces;
   }
+  if (too_many) return kSubdivideNoMemory;
   try {
-    // Twice the count: the tables keep a spare half.
-    const std::size_t capacity = 2 * static_cast<std::size_t>(total);
-    ring.points.assign(2 * capacity, 0.0);
-    ring.point_separation.assign(capacity, 0.0);
-    ring.point_mesh_index.assign(capacity, 0);
+    const std::size_t count = static_cast<std::size_t>(total);
+    ring.points.assign(2 * count, 0.0);
+    ring.point_separation.assign(count, 0.0);
+    ring.point_mesh_index.assign(count, 0);
   } catch (const std::bad_alloc&) {
     return kSubdivideNoMemory;
   }
@@ -57,7 +74,7 @@ int subdivide_polyline(BoundaryRing& ring) {
     const double dx = ring.vertices[2 * j + 2] - xj;
     const double dy = ring.vertices[2 * j + 3] - yj;
     const double length = std::sqrt(dx * dx + dy * dy);
-    const std::int32_t pieces = static_cast<std::int32_t>(std::ceil(length / segment_mean(ring, j)));
+    const std::int32_t pieces = static_cast<std::int32_t>(segment_pieces(ring, j, length));
     double step = length;
     if (pieces >= 2) {
       const double r = 1.0 / pieces;
@@ -80,9 +97,11 @@ int subdivide_polyline(BoundaryRing& ring) {
   return kSubdivideDone;
 }
 
-void densify_inner_polygon(RunState& state, BoundaryRing& ring, std::int32_t polygon) {
+void densify_inner_polygon(RunState& state, BoundaryRing& ring, std::int32_t polygon,
+                           std::int64_t max_points) {
   const std::int32_t n = ring.vertex_count;
   const std::int64_t count = 50 * static_cast<std::int64_t>(n) - 49;
+  if (count > max_points) fail(state, "Unable to allocate sufficient memory to continue execution.");
   try {
     ring.points.assign(2 * static_cast<std::size_t>(count), 0.0);
     ring.point_separation.assign(static_cast<std::size_t>(count), 0.0);

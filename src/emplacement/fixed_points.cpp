@@ -12,15 +12,15 @@ namespace tesseramill {
 
 namespace {
 
-void reserve_mesh(RunState& state) {
+// Starts an empty mesh point list.  MAX_CELLS is its capacity, which
+// append_mesh_point enforces; the tables themselves grow as points come, so
+// that a generous MAX_CELLS costs no memory that the run does not use.  When
+// memory runs out on the way, the run ends with the memory message.
+void start_mesh(RunState& state) {
   MeshPointList& mesh = state.mesh;
-  const std::size_t capacity = static_cast<std::size_t>(state.control.max_cells);
   mesh.mesh_points.clear();
   mesh.mesh_point_label.clear();
   mesh.work_list.clear();
-  mesh.mesh_points.reserve(2 * capacity);
-  mesh.mesh_point_label.reserve(capacity);
-  mesh.work_list.reserve(capacity);
   mesh.mesh_point_count = 0;
 }
 
@@ -50,7 +50,7 @@ void emplace_hexagons(RunState& state) {
   const double growth = state.control.poly_growth_rate;
   for (const PointSet& points : state.inner_point_sets) {
     for (std::int32_t p = 0; p < points.count; ++p) {
-      if (state.mesh.mesh_point_count + 6 > state.control.max_cells) fail_mesh_capacity(state);
+      if (std::int64_t{state.mesh.mesh_point_count} + 6 > state.control.max_cells) fail_mesh_capacity(state);
       const double x = points.coords[2 * p];
       const double y = points.coords[2 * p + 1];
       const double r = local_separation(state, x, y, growth);
@@ -67,7 +67,7 @@ void emplace_hexagons(RunState& state) {
 }  // namespace
 
 void emplace_fixed_points(RunState& state) {
-  reserve_mesh(state);
+  start_mesh(state);
   for (const PointSet& points : state.inner_point_sets) {
     for (std::int32_t p = 0; p < points.count; ++p) {
       append_mesh_point(state, points.coords[2 * p], points.coords[2 * p + 1], kInnerPointLabel);

@@ -16,8 +16,11 @@ namespace tesseramill {
 
 namespace {
 
-void subdivide_or_fail(RunState& state, BoundaryRing& ring, const std::string& file) {
-  switch (subdivide_polyline(ring)) {
+// `budget` is what the chains of this pass may still hold; each chain built
+// takes its points from it.
+void subdivide_or_fail(RunState& state, BoundaryRing& ring, const std::string& file,
+                       std::int64_t& budget) {
+  switch (subdivide_polyline(ring, budget)) {
     case kSubdivideZeroSegment:
       fail(state, "Two neighbouring points in BLN line file " + trimmed(file) +
                       " have the same coordinates.");
@@ -26,19 +29,22 @@ void subdivide_or_fail(RunState& state, BoundaryRing& ring, const std::string& f
     default:
       break;
   }
+  budget -= ring.point_count;
 }
 
 void populate_chains(RunState& state) {
   const ControlData& c = state.control;
-  subdivide_or_fail(state, state.outer_boundary, c.outer_boundary_file);
+  std::int64_t budget = kChainPointBudget;
+  subdivide_or_fail(state, state.outer_boundary, c.outer_boundary_file, budget);
   for (std::size_t i = 0; i < state.inner_boundaries.size(); ++i) {
-    subdivide_or_fail(state, state.inner_boundaries[i], c.inner_boundary_files[i]);
+    subdivide_or_fail(state, state.inner_boundaries[i], c.inner_boundary_files[i], budget);
   }
   for (std::size_t i = 0; i < state.inner_lines.size(); ++i) {
-    subdivide_or_fail(state, state.inner_lines[i], c.inner_line_files[i]);
+    subdivide_or_fail(state, state.inner_lines[i], c.inner_line_files[i], budget);
   }
   for (std::size_t i = 0; i < state.inner_polygons.size(); ++i) {
-    densify_inner_polygon(state, state.inner_polygons[i], static_cast<std::int32_t>(i));
+    densify_inner_polygon(state, state.inner_polygons[i], static_cast<std::int32_t>(i), budget);
+    budget -= state.inner_polygons[i].point_count;
   }
   state.smallest_max_separation = c.max_centroid_separation;
   for (std::int32_t i = 0; i < c.inner_polygon_count; ++i) {

@@ -170,7 +170,8 @@ double local_separation(const RunState& state, double x, double y, double growth
   const double cap = state.control.max_centroid_separation;
   const bool cap_bounds = cap > 0.0 && cap < kLargest && state.smallest_max_separation <= cap;
   double result = cap_bounds ? cap : kLargest;
-  if (state.source_index.built) {
+  // A point that is no finite number has no place in the bucket grid.
+  if (state.source_index.built && std::isfinite(x) && std::isfinite(y)) {
     fold_indexed(state.source_index, x, y, k, result);
   } else {
     fold_all_sources(state, x, y, k, fold_fast, result);

@@ -63,7 +63,11 @@ PolygonLocation point_in_polygon(double x, double y, const double* vertices, std
   }
   sum += delta;
 
-  const int w = static_cast<int>(std::fabs(sum) * kReciprocalTwoPi + kWindingBias);
+  // A point that is not a finite number has no angles to add up; its sum
+  // is no number either, and it counts as outside.
+  const double turns = std::fabs(sum) * kReciprocalTwoPi + kWindingBias;
+  if (!(turns < 2147483648.0)) return result;
+  const int w = static_cast<int>(turns);
   result.winding = w;
   if (w != 0) {
     result.location = 1;

@@ -55,6 +55,7 @@ void build_source_index(RunState& state) {
   // visiting every source.
   if (count == 0 || !finite) return;
   const double extent = std::max(xmax - xmin, ymax - ymin);
+  if (!std::isfinite(extent)) return;
   double h = state.control.max_centroid_separation;
   if (!(h > 0.0) || !std::isfinite(h)) h = extent;
   h = std::max(h, extent / kMaxCellsPerSide);

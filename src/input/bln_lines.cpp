@@ -16,7 +16,9 @@ CountStatus read_group_count(LineReader& reader, std::int32_t& count) {
   std::string line;
   std::size_t start = 0;
   for (;;) {
-    LineStatus status = read_line(reader, line, std::string::npos);
+    // Like every line of a BLN file, a header keeps its first 100
+    // characters; the rest is dropped unseen.
+    LineStatus status = read_line(reader, line, kBlnLineLength);
     if (status == LineStatus::kEnd) return CountStatus::kEnd;
     if (status == LineStatus::kError) return CountStatus::kBad;
     start = line.find_first_not_of(" \t");
@@ -34,7 +36,7 @@ void read_vertex_line(RunState& state, LineReader& reader, const std::string& fi
                       double& separation) {
   std::string line;
   for (;;) {
-    line_number += 1;
+    count_line(line_number);
     LineStatus status = read_line(reader, line, kBlnLineLength);
     if (status == LineStatus::kEnd) fail(state, "Premature end encountered to file " + file + ".");
     if (status == LineStatus::kError) {

@@ -12,8 +12,9 @@ namespace tesseramill {
 enum class CountStatus { kOk, kEnd, kBad };
 
 // Reads the count at the head of a group: the first token of the next line
-// that is not blank, delimited by a blank, comma or tab and cut to 30
-// characters.  A token holding a point, or one that is no integer, is bad.
+// whose first 100 characters are not blank, delimited by a blank, comma or
+// tab and cut to 30 characters.  A token holding a point, or one that is no
+// integer, is bad.
 CountStatus read_group_count(LineReader& reader, std::int32_t& count);
 
 // Reads the next vertex line that is not blank, counting every line read in

@@ -1,5 +1,6 @@
 #include "input/bln_reader.h"
 
+#include <algorithm>
 #include <cmath>
 #include <new>
 #include <ostream>
@@ -24,30 +25,37 @@ std::int32_t count_short_segments(const BoundaryRing& ring) {
   return count;
 }
 
+// Room made at once for the vertices of a group; beyond it the tables grow
+// as lines are read, so that a header announcing more vertices than the file
+// holds costs no memory for the ones that never come.
+constexpr std::size_t kFirstRoom = std::size_t{1} << 16;
+
 // Reads `count` vertex lines into `coords` and, when `with_separation`, into
-// `separations`, after making room for them all.
+// `separations`.  Memory that cannot be obtained on the way ends the run
+// with `memory_message`.
 void read_vertex_table(RunState& state, LineReader& reader, const std::string& file,
                        std::int32_t& line_number, std::int32_t count, bool with_separation,
                        std::vector<double>& coords, std::vector<double>& separations,
                        const char* memory_message) {
   try {
+    const std::size_t room = std::min(static_cast<std::size_t>(count), kFirstRoom);
     coords.clear();
-    coords.reserve(2 * static_cast<std::size_t>(count));
+    coords.reserve(2 * room);
     separations.clear();
-    if (with_separation) separations.reserve(static_cast<std::size_t>(count));
+    if (with_separation) separations.reserve(room);
+    for (std::int32_t k = 0; k < count; ++k) {
+      double x = 0.0;
+      double y = 0.0;
+      double separation = 0.0;
+      read_vertex_line(state, reader, file, line_number, with_separation, x, y, separation);
+      coords.push_back(x);
+      coords.push_back(y);
+      if (with_separation) separations.push_back(separation);
+    }
   } catch (const std::bad_alloc&) {
     fail(state, memory_message);
   } catch (const std::length_error&) {
     fail(state, memory_message);
-  }
-  for (std::int32_t k = 0; k < count; ++k) {
-    double x = 0.0;
-    double y = 0.0;
-    double separation = 0.0;
-    read_vertex_line(state, reader, file, line_number, with_separation, x, y, separation);
-    coords.push_back(x);
-    coords.push_back(y);
-    if (with_separation) separations.push_back(separation);
   }
 }
 
@@ -86,7 +94,7 @@ void read_bln_polyline(RunState& state, LineReader& reader, const std::string& f
     if (!open_lines(reader, file_name)) fail(state, "Cannot open file " + file + ".");
     line_number = 1;
   } else {
-    line_number += 1;
+    count_line(line_number);
   }
   read_ring_group(state, reader, file, ring, read_separations, line_number);
   if (close_file) close_lines(reader);

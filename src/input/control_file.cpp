@@ -18,7 +18,7 @@ struct ControlParser {
   ControlData& control;
   std::string file;  // control_file_name as messages show it
   int block_state = kNoBlock;
-  int line_number = 0;
+  std::int32_t line_number = 0;
   std::string line_text;
   std::string raw_line_text;
 };
@@ -154,11 +154,14 @@ void end_block(ControlParser& p) {
   if (p.block_state == kInnerLineBlock) {
     const int first = c.inner_line_count;  // 1-based number of the block's line
     const int lines = c.numlines;
-    c.inner_line_count = first + lines - 1;
-    if (first + lines > kMaxInnerLines + 1) {
+    // The total is worked out in 64 bits: NUMLINES may be as large as any
+    // 32-bit integer, and the sum must not wrap round past the limit test.
+    const std::int64_t total = static_cast<std::int64_t>(first) + lines - 1;
+    if (total > kMaxInnerLines) {
       fail(p.state, "Maximum of 50 inner lines can be collectively defined using INNER_LINE blocks "
                     "cited in file " + p.file + ".");
     }
+    c.inner_line_count = static_cast<std::int32_t>(total);
     for (int k = first; k < first + lines - 1; ++k) {
       c.inner_line_files[static_cast<std::size_t>(k)] = c.inner_line_files[static_cast<std::size_t>(first - 1)];
       c.inner_line_block[static_cast<std::size_t>(k)] = c.inner_line_block[static_cast<std::size_t>(first - 1)];
@@ -379,7 +382,7 @@ void read_control_file(RunState& state) {
     fail(state, "Cannot open TESSERAMILL input file " + p.file + ".");
   }
   for (;;) {
-    p.line_number += 1;
+    count_line(p.line_number);
     state.line_number_text = int_to_text(p.line_number);
     LineStatus status = read_line(reader, p.line_text, kInputLineLength);
     if (status == LineStatus::kEnd) break;

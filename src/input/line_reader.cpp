@@ -6,6 +6,9 @@ LineReader::~LineReader() { close_lines(*this); }
 
 bool open_lines(LineReader& reader, const std::string& name) {
   close_lines(reader);
+  // No file name can hold a NUL byte; handing the name over would open the
+  // file named by the part before it.
+  if (name.find('\0') != std::string::npos) return false;
   reader.file = std::fopen(name.c_str(), "rb");
   return reader.file != nullptr;
 }

@@ -4,7 +4,9 @@
 // dropped unseen.
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
+#include <limits>
 #include <string>
 
 namespace tesseramill {
@@ -24,5 +26,11 @@ struct LineReader {
 bool open_lines(LineReader& reader, const std::string& name);
 void close_lines(LineReader& reader);
 LineStatus read_line(LineReader& reader, std::string& line, std::size_t keep);
+
+// Adds a line to a line count.  A file of more than 2,147,483,647 lines
+// leaves its count at that number rather than wrapping round.
+inline void count_line(std::int32_t& line_number) {
+  if (line_number < std::numeric_limits<std::int32_t>::max()) line_number += 1;
+}
 
 }  // namespace tesseramill

@@ -24,7 +24,8 @@ OutputFile::~OutputFile() { close_output(*this); }
 void open_output(RunState& state, OutputFile& out, const std::string& name) {
   close_output(out);
   out.name = fit_field(name, kFileNameLength);
-  out.file = std::fopen(out.name.c_str(), "wb");
+  // A name holding a NUL byte names no file; the part before it is another file.
+  if (out.name.find('\0') == std::string::npos) out.file = std::fopen(out.name.c_str(), "wb");
   if (out.file == nullptr) fail(state, "Cannot write to file " + out.name + ".");
   out.pending.reserve(kFlushSize + 4096);
 }

@@ -101,7 +101,10 @@ int read_file_name(std::string_view text, int first, int& last, std::string& nam
     if (q > last) return 1;
     last = q;
     if (q == p + 1) return 1;
-    name = fit_field(text.substr(p + 1, q - p - 1), field_length);
+    // The text between the quotes is left-adjusted before it is cut to the field.
+    std::string inner(text.substr(p + 1, q - p - 1));
+    left_adjust(inner);
+    name = fit_field(inner, field_length);
     return 0;
   }
   int end = p;

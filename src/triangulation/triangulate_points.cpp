@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numeric>
 #include <ostream>
 
@@ -21,6 +22,10 @@ bool on_ring(std::int32_t label) { return label == kOuterRingLabel || label == k
 // Sizes the per-triangle tables for the largest triangulation that n points
 // can have, so that no later pass can overrun them.
 void create_tables(RunState& state, std::int32_t n) {
+  // Hull links are coded as -(3t + e - 1) in 32-bit integers, which numbers
+  // at most 2n triangles for n up to this; larger sets cannot be held.
+  constexpr std::int32_t kMostPoints = (std::numeric_limits<std::int32_t>::max() - 2) / 6;
+  if (n > kMostPoints) fail(state, "Unable to allocate sufficient memory to continue execution.");
   TriangleTable& tt = state.triangles;
   const std::size_t triangles = 2 * static_cast<std::size_t>(n);
   tt.sort_index.assign(static_cast<std::size_t>(n), 0);

@@ -35,10 +35,10 @@ TEST(SubdividePolyline, EqualPiecesAndTheStepBuilt) {
     EXPECT_EQ(line.points[2 * k + 1], 0.0);
     EXPECT_EQ(line.point_separation[k], 2.5);
   }
-  // The tables keep a spare half.
-  EXPECT_EQ(line.point_separation.size(), 10u);
-  EXPECT_EQ(line.point_mesh_index.size(), 10u);
-  EXPECT_EQ(line.points.size(), 20u);
+  // The tables hold the chain and nothing more.
+  EXPECT_EQ(line.point_separation.size(), 5u);
+  EXPECT_EQ(line.point_mesh_index.size(), 5u);
+  EXPECT_EQ(line.points.size(), 10u);
 }
 
 TEST(SubdividePolyline, ShortSegmentRecordsItsOwnLength) {
@@ -89,6 +89,42 @@ TEST(SubdividePolyline, ZeroLengthSegment) {
   EXPECT_EQ(subdivide_polyline(line), kSubdivideZeroSegment);
 }
 
+TEST(SubdividePolyline, SeparationsAddingUpPastTheLargestDoubleGiveOnePiece) {
+  BoundaryRing line = polyline({0, 0, 100, 0, 100, 100}, {1e308, 1.7e308, 1e308});
+  ASSERT_EQ(subdivide_polyline(line), kSubdivideDone);
+  ASSERT_EQ(line.point_count, 3);
+  EXPECT_EQ(line.points, (std::vector<double>{0, 0, 100, 0, 100, 100}));
+  EXPECT_EQ(line.point_separation, (std::vector<double>{100, 100, 100}));
+}
+
+TEST(SubdividePolyline, TinySegmentBetweenHugeSeparationsHasOnePiece) {
+  // 1e-150 / 1e300 underflows to zero; the segment still has its one piece.
+  BoundaryRing line = polyline({0, 0, 1e-150, 0}, {1e300, 1e300});
+  ASSERT_EQ(subdivide_polyline(line), kSubdivideDone);
+  EXPECT_EQ(line.point_count, 2);
+  const double length = std::sqrt(1e-150 * 1e-150);
+  EXPECT_EQ(line.point_separation, (std::vector<double>{length, length}));
+}
+
+TEST(SubdividePolyline, ChainLongerThanItsBudgetIsAMemoryFailure) {
+  BoundaryRing line = polyline({0, 0, 10, 0}, {1, 1});
+  EXPECT_EQ(subdivide_polyline(line, 10), kSubdivideNoMemory);
+  EXPECT_EQ(subdivide_polyline(line, 11), kSubdivideDone);
+  EXPECT_EQ(line.point_count, 11);
+}
+
+TEST(SubdividePolyline, QuotientBeyondAnyChainIsAMemoryFailure) {
+  BoundaryRing line = polyline({0, 0, 1e200, 0}, {1e-200, 1e-200});
+  EXPECT_EQ(subdivide_polyline(line), kSubdivideNoMemory);
+  BoundaryRing infinite = polyline({-1e308, 0, 1e308, 0}, {1, 1});
+  EXPECT_EQ(subdivide_polyline(infinite), kSubdivideNoMemory);
+}
+
+TEST(SubdividePolyline, ZeroLengthSegmentIsReportedBeforeAnOverlongOne) {
+  BoundaryRing line = polyline({0, 0, 1e9, 0, 1e9, 0}, {1e-3, 1e-3, 1e-3});
+  EXPECT_EQ(subdivide_polyline(line), kSubdivideZeroSegment);
+}
+
 TEST(SubdividePolyline, SecondRunReplacesTheChain) {
   BoundaryRing line = polyline({0, 0, 10, 0}, {5, 5});
   ASSERT_EQ(subdivide_polyline(line), kSubdivideDone);
@@ -96,7 +132,7 @@ TEST(SubdividePolyline, SecondRunReplacesTheChain) {
   line.vertex_separation = {2, 2};
   ASSERT_EQ(subdivide_polyline(line), kSubdivideDone);
   EXPECT_EQ(line.point_count, 6);
-  EXPECT_EQ(line.point_separation.size(), 12u);
+  EXPECT_EQ(line.point_separation.size(), 6u);
   EXPECT_EQ(line.points[2], 2.0);
 }
 

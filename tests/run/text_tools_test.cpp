@@ -163,6 +163,19 @@ TEST(ReadFileName, QuotedNameMayHoldBlanks) {
   EXPECT_EQ(n.last, 8);
 }
 
+TEST(ReadFileName, QuotedNameIsLeftAdjusted) {
+  Name n = file_name("\"  pts a.bln\"");
+  ASSERT_EQ(n.code, 0);
+  EXPECT_EQ(n.name, "pts a.bln");
+  EXPECT_EQ(n.last, 12);
+}
+
+TEST(ReadFileName, QuotedBlanksAreABlankName) {
+  Name n = file_name("\"   \"");
+  ASSERT_EQ(n.code, 0);
+  EXPECT_EQ(n.name, "");
+}
+
 TEST(ReadFileName, UnquotedNameEndsAtBlank) {
   Name n = file_name("a b.bln");
   ASSERT_EQ(n.code, 0);

@@ -1,8 +1,10 @@
 #include "support/scratch.h"
 
+#include <sys/resource.h>
 #include <sys/wait.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <atomic>
 #include <cstdlib>
 #include <fstream>
@@ -77,6 +79,36 @@ RunResult run_binary(const ScratchDir& dir, const std::vector<std::string>& args
   text << in.rdbuf();
   result.screen = text.str();
   return result;
+}
+
+MeasuredRun run_measured(const ScratchDir& dir, const std::string& executable,
+                         const std::vector<std::string>& args) {
+  const std::string screen_file = dir.path().string() + ".screen";
+  std::vector<std::string> words = {executable};
+  words.insert(words.end(), args.begin(), args.end());
+  std::vector<char*> argv;
+  for (std::string& word : words) argv.push_back(word.data());
+  argv.push_back(nullptr);
+  MeasuredRun run;
+  const pid_t child = ::fork();
+  if (child == 0) {
+    if (::chdir(dir.path().c_str()) != 0) ::_exit(127);
+    if (!std::freopen(screen_file.c_str(), "w", stdout)) ::_exit(127);
+    ::dup2(::fileno(stdout), 2);
+    ::execv(executable.c_str(), argv.data());
+    ::_exit(127);
+  }
+  int raw = 0;
+  struct rusage usage {};
+  if (child > 0 && ::wait4(child, &raw, 0, &usage) == child) {
+    run.result.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    run.peak_kib = usage.ru_maxrss;
+  }
+  std::ifstream in(screen_file, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  run.result.screen = text.str();
+  return run;
 }
 
 RunResult run_on_control(const std::string& control) {

@@ -32,6 +32,15 @@ struct RunResult {
 // Runs the tesseramill executable in `dir` with the given arguments.
 RunResult run_binary(const ScratchDir& dir, const std::vector<std::string>& args);
 
+// Runs an executable in `dir` as its own child process and reports, beside
+// the screen and the status, the largest memory the child held, in KiB.
+struct MeasuredRun {
+  RunResult result;
+  long peak_kib = 0;
+};
+MeasuredRun run_measured(const ScratchDir& dir, const std::string& executable,
+                         const std::vector<std::string>& args);
+
 // Writes `control` as t.in into a new scratch folder and runs the program on it.
 RunResult run_on_control(const std::string& control);
 
