@@ -1,7 +1,8 @@
 # Thin wrapper round CMake so that each set-up step is one command.
 BUILD := build
+FUZZ_SECONDS ?= 60
 
-.PHONY: build demo test clean
+.PHONY: build demo test sanitize fuzz clean
 
 build:
 	cmake -S . -B $(BUILD)
@@ -20,5 +21,26 @@ demo:
 test: build
 	cd $(BUILD) && ctest --output-on-failure -j 2
 
+# Every test again, built with clang under the address and undefined-behaviour
+# sanitizers; a report from any of them fails its test.
+sanitize:
+	CC=clang CXX=clang++ cmake -S . -B build-san -DTESSERAMILL_SANITIZE=ON
+	cmake --build build-san -j 2
+	cd build-san && ASAN_OPTIONS=allocator_may_return_null=1 ctest --output-on-failure -j 2
+
+# Fuzzes the control-file reader and the BLN and point readers for
+# FUZZ_SECONDS each, starting from the seed corpus in tests/fuzz/corpus.
+# New inputs it finds are kept in build-fuzz/corpus; a crash, a leak or a
+# sanitizer report stops it with the input that caused it.
+fuzz:
+	CC=clang CXX=clang++ cmake -S . -B build-fuzz -DTESSERAMILL_FUZZ=ON -DTESSERAMILL_TESTS=OFF
+	cmake --build build-fuzz -j 2
+	for target in control_file bln_files; do \
+	  mkdir -p build-fuzz/corpus/$$target && \
+	  build-fuzz/$${target}_fuzz -max_total_time=$(FUZZ_SECONDS) -max_len=4096 -print_final_stats=1 \
+	    -artifact_prefix=$(CURDIR)/build-fuzz/ \
+	    $(CURDIR)/build-fuzz/corpus/$$target $(CURDIR)/tests/fuzz/corpus/$$target || exit 1; \
+	done
+
 clean:
-	rm -rf $(BUILD)
+	rm -rf $(BUILD) build-san build-fuzz

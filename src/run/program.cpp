@@ -1,29 +1,48 @@
 #include "run/program.h"
 
+#include <chrono>
 #include <new>
-#include <stdexcept>
 #include <ostream>
+#include <stdexcept>
 
 #include "run/failure.h"
 #include "run/phases.h"
 
 namespace tesseramill {
 
-int run_program(int argc, const char* const* argv, std::ostream& screen) {
+namespace {
+
+using PhaseFunction = void (*)(RunState&);
+
+// The phases after the command line, in their fixed order.
+constexpr PhaseFunction kPhases[kPhaseCount] = {
+    read_control_file, read_boundary_files, check_boundaries, populate_boundaries,
+    populate_interior, lloyd_iterations,    write_final_files, write_mf6_files,
+};
+
+void run_phases(RunState& state, const RunOptions& options) {
+  for (int k = 0; k < kPhaseCount; ++k) {
+    const auto start = std::chrono::steady_clock::now();
+    kPhases[k](state);
+    if (options.phase_seconds != nullptr) {
+      (*options.phase_seconds)[static_cast<std::size_t>(k)] =
+          std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    }
+    if (k == static_cast<int>(options.last_phase)) break;
+  }
+}
+
+}  // namespace
+
+int run_program(int argc, const char* const* argv, std::ostream& screen, const RunOptions& options) {
   RunState state;
   state.screen = &screen;
   try {
     initialise_run_state(state);
+    state.reference_paths = options.reference_paths;
     print_banner(state);
     if (!get_command_line(state, argc, argv)) return 0;
-    read_control_file(state);
-    read_boundary_files(state);
-    check_boundaries(state);
-    populate_boundaries(state);
-    populate_interior(state);
-    lloyd_iterations(state);
-    write_final_files(state);
-    write_mf6_files(state);
+    run_phases(state, options);
     release_run_state(state);
   } catch (const RunFailure&) {
     report_failure(state);

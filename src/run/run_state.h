@@ -31,6 +31,9 @@ enum BlockState : int {
 
 struct RunState {
   std::ostream* screen = nullptr;
+  // Set by the library's tests and benchmarks only: every fast path gives
+  // way to the reference routine it is checked against.
+  bool reference_paths = false;
 
   ControlData control;
 
