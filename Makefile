@@ -2,7 +2,7 @@
 BUILD := build
 FUZZ_SECONDS ?= 60
 
-.PHONY: build demo test sanitize fuzz clean
+.PHONY: build demo test bench sanitize fuzz clean
 
 build:
 	cmake -S . -B $(BUILD)
@@ -20,6 +20,14 @@ demo:
 # Builds everything and runs every test.
 test: build
 	cd $(BUILD) && ctest --output-on-failure -j 2
+
+# Times the program on the benchmark's family of models, from 1,000 to a
+# million cells, and prints the table of phases, memory and the reference
+# path's time.  Takes about a quarter of an hour on two cores.
+bench:
+	cmake -S . -B $(BUILD)
+	cmake --build $(BUILD) -j 2 --target tesseramill-bench
+	$(BUILD)/tesseramill-bench $(BENCH_ARGS)
 
 # Every test again, built with clang under the address and undefined-behaviour
 # sanitizers; a report from any of them fails its test.

@@ -7,6 +7,7 @@
 #include "emplacement/chains.h"
 #include "emplacement/fixed_points.h"
 #include "emplacement/growth_limit.h"
+#include "geometry/planar_tools.h"
 #include "geometry/source_index.h"
 #include "run/failure.h"
 #include "run/phases.h"
@@ -68,6 +69,8 @@ bool lower_separations(RunState& state) {
 void populate_boundaries(RunState& state) {
   std::ostream& screen = *state.screen;
   screen << "\n - populating user-supplied boundaries/lines with mesh points...\n";
+  // The rings are final from here on; every later domain test uses their index.
+  build_domain_index(state);
   bool repopulated = false;
   for (;;) {
     populate_chains(state);

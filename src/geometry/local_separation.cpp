@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "geometry/planar_tools.h"
 #include "geometry/point_in_polygon.h"
 
 namespace tesseramill {
@@ -144,15 +145,16 @@ void fold_all_sources(const RunState& state, double x, double y, const GrowthCon
   for (const BoundaryRing& ring : state.inner_polygons) chain(ring);
 }
 
-// The caps of inner polygons holding the point and of MAX_CENTROID_SEPARATION.
-double capped(const RunState& state, double x, double y, double result) {
+// The caps of inner polygons holding the point and of MAX_CENTROID_SEPARATION;
+// `literal` locates the point by the angle sum of each polygon.
+double capped(const RunState& state, double x, double y, double result, bool literal) {
   if (state.smallest_max_separation > result) return result;
   const ControlData& c = state.control;
   for (std::size_t i = 0; i < state.inner_polygons.size(); ++i) {
     const BoundaryRing& polygon = state.inner_polygons[i];
-    if (point_in_polygon(x, y, polygon.vertices.data(), polygon.vertex_count).location >= 0) {
-      result = std::min(result, c.inner_polygon_max_separation[i]);
-    }
+    const bool inside = literal ? point_in_polygon(x, y, polygon.vertices.data(), polygon.vertex_count).location >= 0
+                                : in_inner_polygon(state, i, x, y);
+    if (inside) result = std::min(result, c.inner_polygon_max_separation[i]);
   }
   return std::min(result, c.max_centroid_separation);
 }
@@ -160,6 +162,7 @@ double capped(const RunState& state, double x, double y, double result) {
 }  // namespace
 
 double local_separation(const RunState& state, double x, double y, double growth) {
+  if (state.reference_paths) return local_separation_reference(state, x, y, growth);
   const GrowthConstants& k = cached_constants_for(growth);
   // MAX_CENTROID_SEPARATION caps the result in the end, so a source asking
   // for that much or more cannot change it: sizes are sought below the cap
@@ -176,13 +179,13 @@ double local_separation(const RunState& state, double x, double y, double growth
   } else {
     fold_all_sources(state, x, y, k, fold_fast, result);
   }
-  return capped(state, x, y, result);
+  return capped(state, x, y, result, false);
 }
 
 double local_separation_reference(const RunState& state, double x, double y, double growth) {
   double result = kLargest;
   fold_all_sources(state, x, y, constants_for(growth), fold_reference, result);
-  return capped(state, x, y, result);
+  return capped(state, x, y, result, true);
 }
 
 }  // namespace tesseramill

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "emplacement/mesh_point_list.h"
+#include "geometry/domain_index.h"
 #include "geometry/source_index.h"
 #include "input/boundary_ring.h"
 #include "relaxation/cell_tables.h"
@@ -62,6 +63,8 @@ struct RunState {
   double smallest_max_separation = 0.0;
   // Sources of the separation field by place, rebuilt whenever the chains change.
   SourceIndex source_index;
+  // The edges of the rings by place, built once the rings are accepted.
+  DomainIndex domain_index;
 
   MeshPointList mesh;
   EmplacementGrid grid;

@@ -1,0 +1,275 @@
+// tesseramill-bench: times the program on a family of realistic models and
+// prints, for each, the cells, the wall seconds of each phase and in all,
+// the peak memory per cell and, for the smaller models, how much slower the
+// reference path is on the same model (and whether it wrote the same bytes).
+//
+//   tesseramill-bench                 the whole table
+//   tesseramill-bench --sizes 1e3,1e4 only these family sizes (no outline model)
+//   tesseramill-bench --binary PATH   also time another build of the program
+//                                     on each model (whole run only)
+//   tesseramill-bench --write SIZE|outline DIR [MAX_LLOYD]
+//                                     write one model of the family and stop
+//
+// Each run is a child process of its own, so that its peak memory is its own.
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "model_family.h"
+#include "run/program.h"
+
+namespace fs = std::filesystem;
+using tesseramill_bench::ModelSpec;
+
+namespace {
+
+struct Row {
+  std::string name;
+  ModelSpec spec;
+  bool with_reference = false;
+};
+
+struct Timing {
+  bool ok = false;
+  long cells = 0;
+  std::array<double, tesseramill::kPhaseCount> phase{};
+  double wall = 0.0;
+  long peak_kib = 0;
+};
+
+std::string read_file(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+// The child: runs model.in in the current folder and prints its timing.
+int run_one(bool reference) {
+  tesseramill::RunOptions options;
+  options.reference_paths = reference;
+  std::array<double, tesseramill::kPhaseCount> phases{};
+  options.phase_seconds = &phases;
+  std::ostringstream screen;
+  const char* argv[] = {"tesseramill", "model.in"};
+  tesseramill::run_program(2, argv, screen, options);
+  std::ofstream("screen.txt", std::ios::binary) << screen.str();
+  long cells = 0;
+  const std::string text = screen.str();
+  const std::size_t at = text.find(" points emplaced");
+  if (at != std::string::npos) {
+    const std::size_t from = text.rfind(" - ", at) + 3;
+    cells = std::atol(text.substr(from, at - from).c_str());
+  }
+  const bool ok = text.find(" - file model.oc written ok.") != std::string::npos;
+  std::cout << (ok ? "ok" : "failed") << " " << cells;
+  for (double t : phases) std::cout << " " << t;
+  std::cout << "\n";
+  return 0;
+}
+
+// Runs `argv` in `folder` as a child process; gives its stdout, wall time and
+// peak memory.
+Timing spawn(const std::vector<std::string>& args, const fs::path& folder, std::string& out) {
+  int pipe_ends[2];
+  if (::pipe(pipe_ends) != 0) std::exit(1);
+  const auto start = std::chrono::steady_clock::now();
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::dup2(pipe_ends[1], 1);
+    ::close(pipe_ends[0]);
+    if (::chdir(folder.c_str()) != 0) ::_exit(127);
+    std::vector<char*> argv;
+    std::vector<std::string> words = args;
+    for (std::string& w : words) argv.push_back(w.data());
+    argv.push_back(nullptr);
+    ::execv(argv[0], argv.data());
+    ::_exit(127);
+  }
+  ::close(pipe_ends[1]);
+  char buffer[4096];
+  ssize_t n;
+  while ((n = ::read(pipe_ends[0], buffer, sizeof buffer)) > 0) out.append(buffer, static_cast<std::size_t>(n));
+  ::close(pipe_ends[0]);
+  int status = 0;
+  struct rusage usage {};
+  ::wait4(child, &status, 0, &usage);
+  Timing timing;
+  timing.wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  timing.peak_kib = usage.ru_maxrss;
+  timing.ok = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+  return timing;
+}
+
+Timing time_library(const fs::path& folder, bool reference) {
+  std::vector<std::string> args = {fs::canonical("/proc/self/exe").string(), "--run-one"};
+  if (reference) args.push_back("--reference");
+  std::string out;
+  Timing timing = spawn(args, folder, out);
+  std::istringstream in(out);
+  std::string word;
+  in >> word >> timing.cells;
+  timing.ok = timing.ok && word == "ok";
+  for (double& t : timing.phase) in >> t;
+  return timing;
+}
+
+Timing time_binary(const std::string& binary, const fs::path& folder) {
+  std::string out;
+  Timing timing = spawn({fs::canonical(binary).string(), "model.in"}, folder, out);
+  std::ofstream(folder / "screen.txt", std::ios::binary) << out;
+  timing.ok = timing.ok && out.find(" - file model.oc written ok.") != std::string::npos;
+  return timing;
+}
+
+// Whether the two folders hold the same files with the same bytes.
+bool same_files(const fs::path& a, const fs::path& b) {
+  std::vector<std::string> names_a;
+  std::vector<std::string> names_b;
+  for (const auto& e : fs::directory_iterator(a)) names_a.push_back(e.path().filename().string());
+  for (const auto& e : fs::directory_iterator(b)) names_b.push_back(e.path().filename().string());
+  std::sort(names_a.begin(), names_a.end());
+  std::sort(names_b.begin(), names_b.end());
+  if (names_a != names_b) return false;
+  for (const std::string& name : names_a) {
+    if (read_file(a / name) != read_file(b / name)) return false;
+  }
+  return true;
+}
+
+std::string fixed(double value, int decimals) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.*f", decimals, value);
+  return text;
+}
+
+std::string pad(const std::string& text, std::size_t width) {
+  return text.size() >= width ? text : std::string(width - text.size(), ' ') + text;
+}
+
+ModelSpec outline_model() {
+  // About 30,000 cells inside an outline of 2,000 vertices with wiggles of
+  // many wavelengths, as a surveyed catchment divide has them.
+  ModelSpec spec = tesseramill_bench::family_model(3e4);
+  spec.outline_vertices = 2000;
+  spec.outline_roughness = 0.06;
+  spec.scale = 1.6;
+  return spec;
+}
+
+std::string size_label(double size) {
+  char text[16];
+  std::snprintf(text, sizeof text, "%.0e", size);
+  std::string label = text;
+  return label.replace(label.find("e+0"), 3, "e");
+}
+
+std::vector<Row> family(const std::vector<double>& sizes, bool with_outline) {
+  std::vector<Row> rows;
+  for (double size : sizes) {
+    ModelSpec spec = tesseramill_bench::family_model(size);
+    const std::string label = "family " + size_label(size);
+    if (size >= 1e6) {
+      spec.max_lloyd = 3;
+      rows.push_back({label + ", 3 passes", spec, false});
+      spec.max_lloyd = -1;
+    }
+    rows.push_back({label, spec, size <= 3e4});
+  }
+  if (with_outline) rows.push_back({"outline of 2000 vertices", outline_model(), false});
+  return rows;
+}
+
+void print_head(bool with_binary) {
+  std::cout << pad("model", 26) << pad("cells", 9) << pad("read", 7) << pad("bound", 7) << pad("inter", 8)
+            << pad("lloyd", 8) << pad("write", 7) << pad("total", 8) << pad("B/cell", 8)
+            << pad("ref x", 8) << pad("same", 6);
+  if (with_binary) std::cout << pad("other s", 9) << pad("B/cell", 8);
+  std::cout << "\n";
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::vector<std::string> args(argv + 1, argv + argc);
+  if (!args.empty() && args[0] == "--run-one") return run_one(args.size() > 1 && args[1] == "--reference");
+  if (!args.empty() && args[0] == "--write" && args.size() >= 3) {
+    ModelSpec spec =
+        args[1] == "outline" ? outline_model() : tesseramill_bench::family_model(std::atof(args[1].c_str()));
+    if (args.size() > 3) spec.max_lloyd = std::atoi(args[3].c_str());
+    tesseramill_bench::write_model(spec, args[2]);
+    return 0;
+  }
+  std::vector<double> sizes = {1e3, 1e4, 3e4, 1e5, 1e6};
+  bool with_outline = true;
+  std::string other_binary;
+  for (std::size_t k = 0; k < args.size(); ++k) {
+    if (args[k] == "--sizes" && k + 1 < args.size()) {
+      sizes.clear();
+      std::stringstream list(args[++k]);
+      std::string item;
+      while (std::getline(list, item, ',')) sizes.push_back(std::atof(item.c_str()));
+      with_outline = false;
+    } else if (args[k] == "--binary" && k + 1 < args.size()) {
+      other_binary = args[++k];
+    } else {
+      std::cerr << "usage: tesseramill-bench [--sizes 1e3,1e4,...] [--binary PATH]"
+                   " | --write SIZE|outline DIR [MAX_LLOYD]\n";
+      return 2;
+    }
+  }
+
+  const fs::path scratch = fs::temp_directory_path() / ("tesseramill_bench_" + std::to_string(::getpid()));
+  std::cout << "Wall seconds per phase (read: control and BLN files and checks; bound: boundary chains;\n"
+               "inter: interior emplacement; lloyd: the Lloyd passes with their map files; write: final\n"
+               "and MODFLOW 6 files), peak memory per cell, and the reference path's time as a multiple.\n\n";
+  print_head(!other_binary.empty());
+  for (const Row& row : family(sizes, with_outline)) {
+    const fs::path fast = scratch / "fast";
+    const fs::path reference = scratch / "reference";
+    fs::remove_all(scratch);
+    tesseramill_bench::write_model(row.spec, fast);
+    const Timing t = time_library(fast, false);
+    double total = 0.0;
+    for (double s : t.phase) total += s;
+    std::cout << pad(row.name, 26) << pad(std::to_string(t.cells), 9)
+              << pad(fixed(t.phase[0] + t.phase[1] + t.phase[2], 2), 7) << pad(fixed(t.phase[3], 2), 7)
+              << pad(fixed(t.phase[4], 2), 8) << pad(fixed(t.phase[5], 2), 8)
+              << pad(fixed(t.phase[6] + t.phase[7], 2), 7) << pad(fixed(total, 2), 8)
+              << pad(t.cells > 0 ? std::to_string(t.peak_kib * 1024 / t.cells) : "-", 8);
+    if (row.with_reference) {
+      tesseramill_bench::write_model(row.spec, reference);
+      const Timing r = time_library(reference, true);
+      double reference_total = 0.0;
+      for (double s : r.phase) reference_total += s;
+      std::cout << pad(fixed(reference_total / total, 1), 8) << pad(same_files(fast, reference) ? "yes" : "NO", 6);
+    } else {
+      std::cout << pad("-", 8) << pad("-", 6);
+    }
+    if (!other_binary.empty()) {
+      const fs::path other = scratch / "other";
+      tesseramill_bench::write_model(row.spec, other);
+      const Timing o = time_binary(other_binary, other);
+      std::cout << pad(o.ok ? fixed(o.wall, 2) : "failed", 9)
+                << pad(o.ok && t.cells > 0 ? std::to_string(o.peak_kib * 1024 / t.cells) : "-", 8);
+    }
+    if (!t.ok) std::cout << "  (run did not finish: see " << (fast / "screen.txt").string() << ")";
+    std::cout << std::endl;
+    if (t.ok) fs::remove_all(scratch);
+  }
+  return 0;
+}

@@ -1,0 +1,198 @@
+#include "model_family.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <vector>
+
+namespace tesseramill_bench {
+
+namespace {
+
+constexpr double kPi = 3.141592653589793;
+
+struct Point {
+  double x;
+  double y;
+};
+
+// The largest spacing of the family at scale 1, in metres, and the ratio of
+// each feature's spacing to it.
+constexpr double kMaxSeparation = 400.0;
+constexpr double kOuterRatio = 0.5;
+constexpr double kLakeRatio = 0.25;
+constexpr double kRiverRatio = 0.15;
+constexpr double kWellRatio = 0.0375;
+constexpr double kZoneRatio = 0.375;
+
+std::string number(double value) {
+  char text[64];
+  std::snprintf(text, sizeof text, "%.3f", value);
+  return text;
+}
+
+// A star-shaped ring round (cx, cy): vertices at rising angles, so that the
+// ring is simple whatever its wiggles, as long as the radius stays positive.
+std::vector<Point> star_ring(Random& random, double cx, double cy, double radius, int vertices,
+                             double roughness) {
+  struct Wave {
+    int k;
+    double amplitude;
+    double phase;
+  };
+  std::vector<Wave> waves = {{2, 0.12, random.uniform(0, 2 * kPi)},
+                             {3, 0.08, random.uniform(0, 2 * kPi)},
+                             {5, 0.05, random.uniform(0, 2 * kPi)}};
+  if (roughness > 0.0) {
+    // Small wiggles of many wavelengths, their amplitudes falling with k.
+    double weight = 0.0;
+    for (int k = 7; k <= vertices / 8; ++k) weight += std::pow(k, -0.8);
+    for (int k = 7; k <= vertices / 8; ++k) {
+      waves.push_back({k, roughness * std::pow(k, -0.8) / weight, random.uniform(0, 2 * kPi)});
+    }
+  }
+  std::vector<Point> ring;
+  for (int i = 0; i < vertices; ++i) {
+    const double theta = 2 * kPi * i / vertices;
+    double r = 1.0;
+    for (const Wave& w : waves) r += w.amplitude * std::sin(w.k * theta + w.phase);
+    ring.push_back({cx + radius * r * std::cos(theta), cy + radius * r * std::sin(theta)});
+  }
+  ring.push_back(ring.front());
+  return ring;
+}
+
+void write_bln(const std::filesystem::path& path, const std::vector<Point>& points, double separation) {
+  std::ofstream out(path, std::ios::binary);
+  out << points.size() << ",1\n";
+  for (const Point& p : points) {
+    out << number(p.x) << "  " << number(p.y);
+    if (separation > 0.0) out << "  " << number(separation);
+    out << "\n";
+  }
+}
+
+}  // namespace
+
+double expected_cells(const ModelSpec& spec) {
+  // Measured on the family: about 35,300 cells at scale 1 and radius 20 km,
+  // falling with the square of the scale and rising with the area.
+  const double r = spec.radius / 20000.0;
+  return 35300.0 * r * r / (spec.scale * spec.scale);
+}
+
+ModelSpec family_model(double cells) {
+  // Scales measured on the family to give about the number of cells asked for.
+  ModelSpec spec;
+  if (cells <= 1e3) {
+    spec.scale = 10.5;
+    spec.refinement = 0.5;
+    spec.wells = 1;
+  } else if (cells <= 1e4) {
+    spec.scale = 1.6;
+    spec.refinement = 0.75;
+    spec.wells = 3;
+  } else {
+    spec.scale = std::sqrt(35300.0 / cells);
+  }
+  // An outline of segments about as long as its spacing, up to 64 of them.
+  const double outer_spacing = kMaxSeparation * spec.scale * std::pow(kOuterRatio, spec.refinement);
+  spec.outline_vertices = std::clamp(static_cast<int>(2 * kPi * spec.radius / outer_spacing), 16, 64);
+  return spec;
+}
+
+std::string write_model(const ModelSpec& spec, const std::filesystem::path& folder) {
+  std::filesystem::create_directories(folder);
+  Random random(spec.seed * 0x2545F4914F6CDD1DULL + 12345);
+  const double cx = 512000.0;
+  const double cy = 6234000.0;
+  const double R = spec.radius;
+  const double largest = kMaxSeparation * spec.scale;
+  auto spacing = [&](double ratio) { return largest * std::pow(ratio, spec.refinement); };
+
+  const std::vector<Point> outer = star_ring(random, cx, cy, R, spec.outline_vertices, spec.outline_roughness);
+  write_bln(folder / "outer.bln", outer, spacing(kOuterRatio));
+
+  const double lake_x = cx - 0.3 * R;
+  const double lake_y = cy + 0.2 * R;
+  // Rings and lines have about as many vertices as their spacing asks for:
+  // a segment shorter than its spacing would make the chain finer.
+  auto vertices_for = [](double length, double step, int fewest, int most) {
+    return std::clamp(static_cast<int>(length / step), fewest, most);
+  };
+  if (spec.lake) {
+    const int n = vertices_for(2 * kPi * 0.1 * R, spacing(kLakeRatio), 8, 48);
+    write_bln(folder / "lake.bln", star_ring(random, lake_x, lake_y, 0.1 * R, n, 0.0), spacing(kLakeRatio));
+  }
+
+  if (spec.river) {
+    // From beyond the boundary in the south-east, meandering towards the lake.
+    std::vector<Point> river;
+    const Point from{cx + 0.9 * R, cy - 0.9 * R};
+    const Point to{lake_x + 0.25 * R, lake_y - 0.1 * R};
+    const double phase = random.uniform(0, 2 * kPi);
+    const int n = vertices_for(1.1 * std::hypot(to.x - from.x, to.y - from.y), spacing(kRiverRatio), 6, 48);
+    for (int i = 0; i <= n; ++i) {
+      const double t = static_cast<double>(i) / n;
+      const double dx = to.x - from.x;
+      const double dy = to.y - from.y;
+      const double length = std::hypot(dx, dy);
+      const double bend = 0.04 * R * std::sin(6 * kPi * t + phase);
+      river.push_back({from.x + t * dx - bend * dy / length, from.y + t * dy + bend * dx / length});
+    }
+    write_bln(folder / "river.bln", river, spacing(kRiverRatio));
+  }
+
+  if (spec.wells > 0) {
+    // A well field east of the centre, on a loose grid.
+    std::vector<Point> wells;
+    for (int i = 0; i < spec.wells; ++i) {
+      wells.push_back({cx + 0.25 * R + (i % 3) * 0.06 * R + random.uniform(-0.01, 0.01) * R,
+                       cy + 0.3 * R + (i / 3) * 0.06 * R + random.uniform(-0.01, 0.01) * R});
+    }
+    std::ofstream out(folder / "wells.bln", std::ios::binary);
+    out << wells.size() << "\n";
+    for (const Point& p : wells) out << number(p.x) << "  " << number(p.y) << "  " << number(spacing(kWellRatio)) << "\n";
+  }
+
+  if (spec.zone) {
+    // A rotated rectangle in the south-west where the cells stay finer.
+    const double zx = cx - 0.35 * R;
+    const double zy = cy - 0.35 * R;
+    const double angle = random.uniform(0, kPi);
+    const double a = 0.18 * R;
+    const double b = 0.1 * R;
+    std::vector<Point> zone;
+    for (const Point& c : {Point{-a, -b}, Point{a, -b}, Point{a, b}, Point{-a, b}, Point{-a, -b}}) {
+      zone.push_back({zx + c.x * std::cos(angle) - c.y * std::sin(angle),
+                      zy + c.x * std::sin(angle) + c.y * std::cos(angle)});
+    }
+    write_bln(folder / "zone.bln", zone, 0.0);
+  }
+
+  const int max_cells = spec.max_cells > 0 ? spec.max_cells
+                                           : static_cast<int>(std::max(5000.0, 3.0 * expected_cells(spec)));
+  std::ofstream control(folder / "model.in", std::ios::binary);
+  control << "START CONTROL\n"
+          << "  MAX_CENTROID_SEPARATION = " << number(largest) << "\n"
+          << "  POLY_GROWTH_RATE = " << spec.growth << "\n"
+          << "  OUT_FILE_BASE = model\n"
+          << "  MAX_CELLS = " << max_cells << "\n";
+  if (spec.max_lloyd >= 0) control << "  MAX_LLOYD = " << spec.max_lloyd << "\n";
+  if (spec.nsdim > 0) control << "  NSDIM = " << spec.nsdim << "\n";
+  if (spec.safety >= 0) control << "  SAFETY = " << spec.safety << "\n";
+  if (spec.lloyd_fac > 0) control << "  LLOYD_FAC = " << spec.lloyd_fac << "\n";
+  control << "END CONTROL\n\nSTART OUTER_BOUNDARY\n  BLN_FILE = outer.bln\nEND OUTER_BOUNDARY\n";
+  if (spec.lake) control << "\nSTART INNER_BOUNDARY\n  BLN_FILE = lake.bln\nEND INNER_BOUNDARY\n";
+  if (spec.river) control << "\nSTART INNER_LINE\n  NUMLINES = 1\n  BLN_FILE = river.bln\nEND INNER_LINE\n";
+  if (spec.wells > 0) control << "\nSTART INNER_POINTS\n  BLN_FILE = wells.bln\nEND INNER_POINTS\n";
+  if (spec.zone) {
+    control << "\nSTART INNER_POLYGON\n  BLN_FILE = zone.bln\n  MAX_CENTROID_SEPARATION = "
+            << number(spacing(kZoneRatio)) << "\nEND INNER_POLYGON\n";
+  }
+  control << "\nSTART MF6\n  MF6_BASENAME = model\n  NLAY = 2\nEND MF6\n";
+  return "model.in";
+}
+
+}  // namespace tesseramill_bench
