@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "emplacement/chains.h"
+#include "emplacement/fast_emplacement.h"
 #include "run/failure.h"
 #include "geometry/local_separation.h"
 #include "geometry/planar_tools.h"
@@ -79,7 +80,7 @@ std::int32_t seed_range_start(const RunState& state, std::int32_t cycle, std::in
   return seed_after;
 }
 
-bool propose_from_seed(RunState& state, std::int32_t seed, std::int32_t cycle) {
+bool choose_from_seed_reference(RunState& state, std::int32_t seed, double& chosen_x, double& chosen_y) {
   MeshPointList& mesh = state.mesh;
   const double growth = state.control.poly_growth_rate;
   const std::int32_t nsdim = state.control.nsdim;
@@ -202,7 +203,20 @@ bool propose_from_seed(RunState& state, std::int32_t seed, std::int32_t cycle) {
     }
   }
   if (!chosen) return false;
-  append_mesh_point(state, g.x(best_k), g.y(best_j), cycle);
+  chosen_x = g.x(best_k);
+  chosen_y = g.y(best_j);
+  return true;
+}
+
+bool propose_from_seed(RunState& state, std::int32_t seed, std::int32_t cycle) {
+  FastEmplacement& fast = state.fast_emplacement;
+  double x = 0.0;
+  double y = 0.0;
+  const bool chosen = fast.ready && !state.reference_paths ? choose_from_seed_fast(state, seed, x, y)
+                                                          : choose_from_seed_reference(state, seed, x, y);
+  if (!chosen) return false;
+  const std::int32_t number = append_mesh_point(state, x, y, cycle);
+  if (fast.ready) insert_mesh_point(fast.mesh_index, number);
   return true;
 }
 

@@ -3,7 +3,9 @@
 #include <cmath>
 #include <ostream>
 
+#include "emplacement/fast_emplacement.h"
 #include "emplacement/interior_emplacement.h"
+#include "emplacement/minimum_separation.h"
 #include "output/number_format.h"
 #include "run/failure.h"
 #include "run/phases.h"
@@ -15,19 +17,6 @@ namespace {
 
 // Fewer mesh points than this can never fill a seed's near list.
 constexpr std::int32_t kMinimumNearPoints = 5;
-
-double minimum_separation(const MeshPointList& mesh) {
-  double min2 = 1.7976931348623157e+308;
-  const double* p = mesh.mesh_points.data();
-  for (std::int32_t a = 0; a < mesh.mesh_point_count; ++a) {
-    for (std::int32_t b = a + 1; b < mesh.mesh_point_count; ++b) {
-      const double dx = p[2 * a] - p[2 * b];
-      const double dy = p[2 * a + 1] - p[2 * b + 1];
-      min2 = std::min(min2, dx * dx + dy * dy);
-    }
-  }
-  return std::sqrt(min2);
-}
 
 }  // namespace
 
@@ -42,6 +31,7 @@ void populate_interior(RunState& state) {
                     "at least 5 are needed to populate the model domain. Reduce the centroid "
                     "separations provided in the BLN files.");
   }
+  if (!state.reference_paths) start_fast_emplacement(state);
   std::int32_t seed_after = 0;
   for (std::int32_t cycle = 1;; ++cycle) {
     screen << " - points emplacement cycle " << cycle << "\n";
@@ -55,7 +45,9 @@ void populate_interior(RunState& state) {
     if (added == 0) break;
   }
   screen << " - " << state.mesh.mesh_point_count << " points emplaced\n";
-  screen << " - minimum points separation = " << format_fixed(minimum_separation(state.mesh), 12, 3)
+  screen << " - minimum points separation = " << format_fixed(state.reference_paths ? minimum_separation_reference(state.mesh)
+                                                               : minimum_separation(state.mesh),
+                      12, 3)
          << "\n";
 }
 

@@ -69,58 +69,18 @@ double distance2_to_edge(const RingIndex& r, std::int32_t e, double x, double y)
   return ex * ex + ey * ey;
 }
 
-std::int32_t clamp_index(double value, std::int32_t size) {
-  if (!(value >= 0.0)) return 0;
-  if (value >= static_cast<double>(size - 1)) return size - 1;
-  return static_cast<std::int32_t>(value);
-}
-
-// Calls visit(i, j) for every cell that lies within `reach` of edge e: row
-// by row, the part of the edge whose height falls in the widened row, and
-// the columns of its widened width.
-template <typename Visit>
-void for_each_cell_near_edge(const RingIndex& r, std::int32_t e, double reach, Visit visit) {
-  const std::int32_t f = edge_end(r, e);
-  const double ax = vx(r, e);
-  const double ay = vy(r, e);
-  const double bx = vx(r, f);
-  const double by = vy(r, f);
-  const std::int32_t jlo = clamp_index(std::floor((std::min(ay, by) - reach - r.y0) * r.inverse_h), r.ny);
-  const std::int32_t jhi = clamp_index(std::floor((std::max(ay, by) + reach - r.y0) * r.inverse_h), r.ny);
-  for (std::int32_t j = jlo; j <= jhi; ++j) {
-    const double band_lo = r.y0 + j * r.h - reach;
-    const double band_hi = r.y0 + (j + 1) * r.h + reach;
-    double xa = std::min(ax, bx);
-    double xb = std::max(ax, bx);
-    if (ay != by) {
-      double t0 = (band_lo - ay) / (by - ay);
-      double t1 = (band_hi - ay) / (by - ay);
-      if (t0 > t1) std::swap(t0, t1);
-      t0 = std::max(t0, 0.0);
-      t1 = std::min(t1, 1.0);
-      if (t0 > t1) continue;
-      const double x0 = ax + t0 * (bx - ax);
-      const double x1 = ax + t1 * (bx - ax);
-      xa = std::min(x0, x1);
-      xb = std::max(x0, x1);
-    }
-    const std::int32_t ilo = clamp_index(std::floor((xa - reach - r.x0) * r.inverse_h), r.nx);
-    const std::int32_t ihi = clamp_index(std::floor((xb + reach - r.x0) * r.inverse_h), r.nx);
-    for (std::int32_t i = ilo; i <= ihi; ++i) visit(i, j);
-  }
-}
-
 // Gives each cell no edge comes near the winding number of its connected
 // stretch of such cells, worked out once at the centre of one of them.
 void wind_free_cells(RingIndex& r) {
-  const std::size_t cells = static_cast<std::size_t>(r.nx) * static_cast<std::size_t>(r.ny);
+  const CellGrid& g = r.grid;
+  const std::size_t cells = g.cell_count();
   constexpr std::int32_t kUnset = INT32_MIN;
   r.cell_winding.assign(cells, kUnset);
   std::vector<std::int32_t> stack;
   for (std::size_t seed = 0; seed < cells; ++seed) {
     if (r.cell_start[seed] != r.cell_start[seed + 1] || r.cell_winding[seed] != kUnset) continue;
-    const double cx = r.x0 + (static_cast<double>(seed % static_cast<std::size_t>(r.nx)) + 0.5) * r.h;
-    const double cy = r.y0 + (static_cast<double>(seed / static_cast<std::size_t>(r.nx)) + 0.5) * r.h;
+    const double cx = g.x0 + (static_cast<double>(seed % static_cast<std::size_t>(g.nx)) + 0.5) * g.h;
+    const double cy = g.y0 + (static_cast<double>(seed / static_cast<std::size_t>(g.nx)) + 0.5) * g.h;
     std::int32_t winding = 0;
     for (std::int32_t e = 0; e < r.edge_count; ++e) winding += crossing(r, e, cx, cy);
     r.cell_winding[seed] = winding;
@@ -128,12 +88,12 @@ void wind_free_cells(RingIndex& r) {
     while (!stack.empty()) {
       const std::int32_t c = stack.back();
       stack.pop_back();
-      const std::int32_t i = c % r.nx;
-      const std::int32_t j = c / r.nx;
+      const std::int32_t i = c % g.nx;
+      const std::int32_t j = c / g.nx;
       const std::int32_t neighbours[4][2] = {{i - 1, j}, {i + 1, j}, {i, j - 1}, {i, j + 1}};
       for (const auto& n : neighbours) {
-        if (n[0] < 0 || n[0] >= r.nx || n[1] < 0 || n[1] >= r.ny) continue;
-        const std::size_t d = static_cast<std::size_t>(n[1]) * static_cast<std::size_t>(r.nx) + static_cast<std::size_t>(n[0]);
+        if (n[0] < 0 || n[0] >= g.nx || n[1] < 0 || n[1] >= g.ny) continue;
+        const std::size_t d = g.cell(n[0], n[1]);
         if (r.cell_start[d] != r.cell_start[d + 1] || r.cell_winding[d] != kUnset) continue;
         r.cell_winding[d] = winding;
         stack.push_back(static_cast<std::int32_t>(d));
@@ -179,45 +139,45 @@ RingIndex build_ring_index(const double* vertices, std::int32_t count) {
     widest = std::max(widest, r.near[static_cast<std::size_t>(e)]);
   }
 
-  r.h = width * (1.0 + 2.0 * kCellSlack) / kCellsPerSide + 2.0 * widest;
-  r.inverse_h = 1.0 / r.h;
-  r.x0 = xmin - widest - kCellSlack * r.h;
-  r.y0 = ymin - widest - kCellSlack * r.h;
-  r.nx = std::min<std::int32_t>(kCellsPerSide + 2, static_cast<std::int32_t>((xmax - r.x0 + widest) * r.inverse_h) + 2);
-  r.ny = std::min<std::int32_t>(kCellsPerSide + 2, static_cast<std::int32_t>((ymax - r.y0 + widest) * r.inverse_h) + 2);
+  CellGrid& g = r.grid;
+  g.h = width * (1.0 + 2.0 * kCellSlack) / kCellsPerSide + 2.0 * widest;
+  g.inverse_h = 1.0 / g.h;
+  g.x0 = xmin - widest - kCellSlack * g.h;
+  g.y0 = ymin - widest - kCellSlack * g.h;
+  g.nx = std::min<std::int32_t>(kCellsPerSide + 2, static_cast<std::int32_t>((xmax - g.x0 + widest) * g.inverse_h) + 2);
+  g.ny = std::min<std::int32_t>(kCellsPerSide + 2, static_cast<std::int32_t>((ymax - g.y0 + widest) * g.inverse_h) + 2);
 
   // Edges by cell and by row, in two sweeps each: count, then fill.
-  const std::size_t cells = static_cast<std::size_t>(r.nx) * static_cast<std::size_t>(r.ny);
+  const std::size_t cells = g.cell_count();
   r.cell_start.assign(cells + 1, 0);
-  r.row_start.assign(static_cast<std::size_t>(r.ny) + 1, 0);
-  auto reach = [&](std::int32_t e) { return r.near[static_cast<std::size_t>(e)] + kCellSlack * r.h; };
-  auto cell = [&](std::int32_t i, std::int32_t j) {
-    return static_cast<std::size_t>(j) * static_cast<std::size_t>(r.nx) + static_cast<std::size_t>(i);
-  };
+  r.row_start.assign(static_cast<std::size_t>(g.ny) + 1, 0);
+  auto reach = [&](std::int32_t e) { return r.near[static_cast<std::size_t>(e)] + kCellSlack * g.h; };
   auto rows_of = [&](std::int32_t e, std::int32_t& jlo, std::int32_t& jhi) {
     const double ay = vy(r, e);
     const double by = vy(r, edge_end(r, e));
-    jlo = clamp_index(std::floor((std::min(ay, by) - reach(e) - r.y0) * r.inverse_h), r.ny);
-    jhi = clamp_index(std::floor((std::max(ay, by) + reach(e) - r.y0) * r.inverse_h), r.ny);
+    jlo = clamp_index(g.row_of(std::min(ay, by) - reach(e)), g.ny);
+    jhi = clamp_index(g.row_of(std::max(ay, by) + reach(e)), g.ny);
+  };
+  auto walk = [&](std::int32_t e, auto visit) {
+    const std::int32_t f = edge_end(r, e);
+    for_each_cell_along_segment(g, vx(r, e), vy(r, e), vx(r, f), vy(r, f), reach(e), visit);
   };
   for (std::int32_t e = 0; e < m; ++e) {
-    for_each_cell_near_edge(r, e, reach(e), [&](std::int32_t i, std::int32_t j) { r.cell_start[cell(i, j) + 1] += 1; });
+    walk(e, [&](std::int32_t i, std::int32_t j) { r.cell_start[g.cell(i, j) + 1] += 1; });
     std::int32_t jlo;
     std::int32_t jhi;
     rows_of(e, jlo, jhi);
     for (std::int32_t j = jlo; j <= jhi; ++j) r.row_start[static_cast<std::size_t>(j) + 1] += 1;
   }
   for (std::size_t c = 0; c < cells; ++c) r.cell_start[c + 1] += r.cell_start[c];
-  for (std::int32_t j = 0; j < r.ny; ++j) r.row_start[static_cast<std::size_t>(j) + 1] += r.row_start[static_cast<std::size_t>(j)];
+  for (std::int32_t j = 0; j < g.ny; ++j) r.row_start[static_cast<std::size_t>(j) + 1] += r.row_start[static_cast<std::size_t>(j)];
   r.cell_edges.resize(static_cast<std::size_t>(r.cell_start[cells]));
-  r.row_edges.resize(static_cast<std::size_t>(r.row_start[static_cast<std::size_t>(r.ny)]));
+  r.row_edges.resize(static_cast<std::size_t>(r.row_start[static_cast<std::size_t>(g.ny)]));
   std::vector<std::int32_t> cell_fill(r.cell_start.begin(), r.cell_start.end() - 1);
   std::vector<std::int32_t> row_fill(r.row_start.begin(), r.row_start.end() - 1);
   for (std::int32_t e = 0; e < m; ++e) {
     // Each row of the walk visits its own cells, so no cell lists an edge twice.
-    for_each_cell_near_edge(r, e, reach(e), [&](std::int32_t i, std::int32_t j) {
-      r.cell_edges[static_cast<std::size_t>(cell_fill[cell(i, j)]++)] = e;
-    });
+    walk(e, [&](std::int32_t i, std::int32_t j) { r.cell_edges[static_cast<std::size_t>(cell_fill[g.cell(i, j)]++)] = e; });
     std::int32_t jlo;
     std::int32_t jhi;
     rows_of(e, jlo, jhi);
@@ -231,14 +191,14 @@ RingIndex build_ring_index(const double* vertices, std::int32_t count) {
 int locate_in_ring(const RingIndex& r, double x, double y) {
   auto angle_sum = [&] { return point_in_polygon(x, y, r.vertices, r.count).location; };
   if (!r.usable || !std::isfinite(x) || !std::isfinite(y)) return angle_sum();
-  const double fi = std::floor((x - r.x0) * r.inverse_h);
-  const double fj = std::floor((y - r.y0) * r.inverse_h);
+  const CellGrid& g = r.grid;
+  const double fi = g.column_of(x);
+  const double fj = g.row_of(y);
   // Beyond the grid every edge is farther than its margin, and the ring
   // winds round no point.
-  if (!(fi >= 0.0 && fi < r.nx && fj >= 0.0 && fj < r.ny)) return kOutside;
-  const std::int32_t i = static_cast<std::int32_t>(fi);
+  if (!(fi >= 0.0 && fi < g.nx && fj >= 0.0 && fj < g.ny)) return kOutside;
   const std::int32_t j = static_cast<std::int32_t>(fj);
-  const std::size_t c = static_cast<std::size_t>(j) * static_cast<std::size_t>(r.nx) + static_cast<std::size_t>(i);
+  const std::size_t c = g.cell(static_cast<std::int32_t>(fi), j);
   if (r.cell_start[c] == r.cell_start[c + 1]) return r.cell_winding[c] != 0 ? kInside : kOutside;
   for (std::int32_t k = r.cell_start[c]; k < r.cell_start[c + 1]; ++k) {
     const std::int32_t e = r.cell_edges[static_cast<std::size_t>(k)];
@@ -256,25 +216,25 @@ int locate_rectangle_in_ring(const RingIndex& r, double xlo, double xhi, double 
   if (!r.usable || !std::isfinite(xlo) || !std::isfinite(xhi) || !std::isfinite(ylo) || !std::isfinite(yhi)) {
     return kMixed;
   }
-  const double fi0 = std::floor((xlo - r.x0) * r.inverse_h);
-  const double fi1 = std::floor((xhi - r.x0) * r.inverse_h);
-  const double fj0 = std::floor((ylo - r.y0) * r.inverse_h);
-  const double fj1 = std::floor((yhi - r.y0) * r.inverse_h);
-  if (fi1 < 0.0 || fi0 >= r.nx || fj1 < 0.0 || fj0 >= r.ny) return kOutside;
-  const bool beyond_grid = fi0 < 0.0 || fi1 >= r.nx || fj0 < 0.0 || fj1 >= r.ny;
-  const std::int32_t i0 = clamp_index(fi0, r.nx);
-  const std::int32_t i1 = clamp_index(fi1, r.nx);
-  const std::int32_t j0 = clamp_index(fj0, r.ny);
-  const std::int32_t j1 = clamp_index(fj1, r.ny);
+  const CellGrid& g = r.grid;
+  const double fi0 = g.column_of(xlo);
+  const double fi1 = g.column_of(xhi);
+  const double fj0 = g.row_of(ylo);
+  const double fj1 = g.row_of(yhi);
+  if (fi1 < 0.0 || fi0 >= g.nx || fj1 < 0.0 || fj0 >= g.ny) return kOutside;
+  const bool beyond_grid = fi0 < 0.0 || fi1 >= g.nx || fj0 < 0.0 || fj1 >= g.ny;
+  const std::int32_t i0 = clamp_index(fi0, g.nx);
+  const std::int32_t i1 = clamp_index(fi1, g.nx);
+  const std::int32_t j0 = clamp_index(fj0, g.ny);
+  const std::int32_t j1 = clamp_index(fj1, g.ny);
   // Cells that no edge comes near, side by side, share one winding number;
   // one cell with an edge near it leaves the rectangle undecided.
   for (std::int32_t j = j0; j <= j1; ++j) {
-    const std::size_t row = static_cast<std::size_t>(j) * static_cast<std::size_t>(r.nx);
     for (std::int32_t i = i0; i <= i1; ++i) {
-      if (r.cell_start[row + static_cast<std::size_t>(i)] != r.cell_start[row + static_cast<std::size_t>(i) + 1]) return kMixed;
+      if (r.cell_start[g.cell(i, j)] != r.cell_start[g.cell(i, j) + 1]) return kMixed;
     }
   }
-  const std::int32_t winding = r.cell_winding[static_cast<std::size_t>(j0) * static_cast<std::size_t>(r.nx) + static_cast<std::size_t>(i0)];
+  const std::int32_t winding = r.cell_winding[g.cell(i0, j0)];
   if (beyond_grid && winding != 0) return kMixed;
   return winding != 0 ? kInside : kOutside;
 }

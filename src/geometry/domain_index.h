@@ -12,6 +12,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "geometry/cell_grid.h"
+
 namespace tesseramill {
 
 // Where a point or a rectangle lies against one ring, as point_in_polygon's
@@ -35,14 +37,8 @@ struct RingIndex {
   std::int32_t edge_count = 0;
   std::vector<double> near;
 
-  // A grid of nx by ny square cells of side h from (x0, y0), covering the
-  // ring's vertices widened by the largest margin.
-  double x0 = 0.0;
-  double y0 = 0.0;
-  double h = 1.0;
-  double inverse_h = 1.0;
-  std::int32_t nx = 0;
-  std::int32_t ny = 0;
+  // Square cells covering the ring's vertices widened by the largest margin.
+  CellGrid grid;
   // The edges that come within their margin of cell c:
   // cell_edges[cell_start[c] .. cell_start[c+1]).
   std::vector<std::int32_t> cell_start;

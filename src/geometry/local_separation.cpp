@@ -93,14 +93,13 @@ void fold_fast(double x, double y, const GrowthConstants& k, const double* coord
 // stopping where no source can lower the result any more: a source at
 // distance d asks for at least d (growth - 1) / growth^1.5.
 void fold_indexed(const SourceIndex& index, double x, double y, const GrowthConstants& k, double& result) {
-  const std::int64_t nx = index.nx;
-  const std::int64_t ny = index.ny;
+  const CellGrid& g = index.grid;
+  const std::int64_t nx = g.nx;
+  const std::int64_t ny = g.ny;
   // Cells far outside the grid are all alike; clamping keeps the integers small.
   const double reach_limit = 4.0 * static_cast<double>(std::max(nx, ny));
-  const std::int64_t ci = static_cast<std::int64_t>(
-      std::clamp(std::floor((x - index.x0) * index.inverse_h), -reach_limit, reach_limit));
-  const std::int64_t cj = static_cast<std::int64_t>(
-      std::clamp(std::floor((y - index.y0) * index.inverse_h), -reach_limit, reach_limit));
+  const std::int64_t ci = static_cast<std::int64_t>(std::clamp(g.column_of(x), -reach_limit, reach_limit));
+  const std::int64_t cj = static_cast<std::int64_t>(std::clamp(g.row_of(y), -reach_limit, reach_limit));
   const std::int64_t last_ring = std::max(std::max(ci, nx - 1 - ci), std::max(cj, ny - 1 - cj));
   auto fold_cell = [&](std::int64_t i, std::int64_t j) {
     const std::size_t c = static_cast<std::size_t>(j * nx + i);
@@ -112,7 +111,7 @@ void fold_indexed(const SourceIndex& index, double x, double y, const GrowthCons
   for (std::int64_t r = 0; r <= last_ring; ++r) {
     if (r > 1) {
       // Every cell of ring r lies at least (r - 1) cell widths away.
-      const double nearest = static_cast<double>(r - 1) * index.h;
+      const double nearest = static_cast<double>(r - 1) * g.h;
       if (nearest * k.growth_less_one >= result * k.rise_start * kMargin) break;
     }
     const std::int64_t jlo = std::max<std::int64_t>(0, cj - r);

@@ -51,27 +51,34 @@ void build_source_index(RunState& state) {
     ymax = std::max(ymax, y);
     ++count;
   });
-  // Without sources, or with values no grid can place, queries fall back to
-  // visiting every source.
-  if (count == 0 || !finite) return;
+  // Values no grid can place leave the index unbuilt: queries visit every
+  // source.  Without sources it is one empty cell.
+  if (!finite) return;
+  if (count == 0) {
+    index.grid.nx = 1;
+    index.grid.ny = 1;
+    index.cell_start.assign(2, 0);
+    index.built = true;
+    return;
+  }
   const double extent = std::max(xmax - xmin, ymax - ymin);
   if (!std::isfinite(extent)) return;
   double h = state.control.max_centroid_separation;
   if (!(h > 0.0) || !std::isfinite(h)) h = extent;
   h = std::max(h, extent / kMaxCellsPerSide);
   if (!(h > 0.0)) h = 1.0;
-  index.h = h;
-  index.inverse_h = 1.0 / h;
-  index.x0 = xmin;
-  index.y0 = ymin;
-  index.nx = std::min<std::int32_t>(kMaxCellsPerSide, static_cast<std::int32_t>((xmax - xmin) * index.inverse_h) + 1);
-  index.ny = std::min<std::int32_t>(kMaxCellsPerSide, static_cast<std::int32_t>((ymax - ymin) * index.inverse_h) + 1);
-  auto cell_of = [&index](double x, double y) {
-    const std::int32_t i = std::min(index.nx - 1, static_cast<std::int32_t>((x - index.x0) * index.inverse_h));
-    const std::int32_t j = std::min(index.ny - 1, static_cast<std::int32_t>((y - index.y0) * index.inverse_h));
-    return static_cast<std::size_t>(j) * static_cast<std::size_t>(index.nx) + static_cast<std::size_t>(i);
+  CellGrid& g = index.grid;
+  g.h = h;
+  g.inverse_h = 1.0 / h;
+  g.x0 = xmin;
+  g.y0 = ymin;
+  g.nx = std::min<std::int32_t>(kMaxCellsPerSide, static_cast<std::int32_t>((xmax - xmin) * g.inverse_h) + 1);
+  g.ny = std::min<std::int32_t>(kMaxCellsPerSide, static_cast<std::int32_t>((ymax - ymin) * g.inverse_h) + 1);
+  auto cell_of = [&g](double x, double y) {
+    return g.cell(std::min(g.nx - 1, static_cast<std::int32_t>((x - g.x0) * g.inverse_h)),
+                  std::min(g.ny - 1, static_cast<std::int32_t>((y - g.y0) * g.inverse_h)));
   };
-  const std::size_t cells = static_cast<std::size_t>(index.nx) * static_cast<std::size_t>(index.ny);
+  const std::size_t cells = g.cell_count();
   index.cell_start.assign(cells + 1, 0);
   for_each_source(state, [&](double x, double y, double) { index.cell_start[cell_of(x, y) + 1] += 1; });
   for (std::size_t c = 0; c < cells; ++c) index.cell_start[c + 1] += index.cell_start[c];

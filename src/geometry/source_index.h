@@ -5,18 +5,15 @@
 #include <cstdint>
 #include <vector>
 
+#include "geometry/cell_grid.h"
+
 namespace tesseramill {
 
 struct RunState;
 
 struct SourceIndex {
   bool built = false;
-  double x0 = 0.0;
-  double y0 = 0.0;
-  double h = 1.0;
-  double inverse_h = 1.0;
-  std::int32_t nx = 0;
-  std::int32_t ny = 0;
+  CellGrid grid;
   std::vector<std::int32_t> cell_start;  // sources of cell c: [cell_start[c], cell_start[c+1])
   std::vector<double> xs;
   std::vector<double> ys;

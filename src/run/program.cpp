@@ -20,10 +20,16 @@ constexpr PhaseFunction kPhases[kPhaseCount] = {
     populate_interior, lloyd_iterations,    write_final_files, write_mf6_files,
 };
 
+}  // namespace
+
+void run_phase(RunState& state, Phase phase) { kPhases[static_cast<int>(phase)](state); }
+
+namespace {
+
 void run_phases(RunState& state, const RunOptions& options) {
   for (int k = 0; k < kPhaseCount; ++k) {
     const auto start = std::chrono::steady_clock::now();
-    kPhases[k](state);
+    run_phase(state, static_cast<Phase>(k));
     if (options.phase_seconds != nullptr) {
       (*options.phase_seconds)[static_cast<std::size_t>(k)] =
           std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();

@@ -29,6 +29,11 @@ struct RunOptions {
   std::array<double, kPhaseCount>* phase_seconds = nullptr;
 };
 
+struct RunState;
+
+// Runs one phase on the run state.
+void run_phase(RunState& state, Phase phase);
+
 // Runs the whole program on the given command line, writing the screen text
 // to `screen`.  The result is always 0: a caller tells success from failure
 // only by the screen text and the files.

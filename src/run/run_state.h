@@ -8,6 +8,7 @@
 
 #include <vector>
 
+#include "emplacement/fast_emplacement.h"
 #include "emplacement/mesh_point_list.h"
 #include "geometry/domain_index.h"
 #include "geometry/source_index.h"
@@ -68,6 +69,8 @@ struct RunState {
 
   MeshPointList mesh;
   EmplacementGrid grid;
+  // Indexes and scratch of the fast proposal of interior emplacement.
+  FastEmplacement fast_emplacement;
 
   // The Lloyd loop: the pass being made, and the tables of that pass.
   std::int32_t lloyd_iteration = 0;

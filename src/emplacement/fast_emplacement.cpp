@@ -1,0 +1,362 @@
+#include "emplacement/fast_emplacement.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numeric>
+
+#include "emplacement/interior_emplacement.h"
+#include "geometry/local_separation.h"
+#include "geometry/planar_tools.h"
+#include "run/run_state.h"
+
+namespace tesseramill {
+
+// What the fast proposal keeps of the literal steps, and why it chooses the
+// same candidate:
+// - The grid, the growth of the box and the near list are made exactly as
+//   written; the near list comes from the mesh point index, which finds the
+//   same points, sorted into the same ascending order.
+// - A candidate ends open when it lies in the domain, no listed point lies
+//   closer than its clearance and no boundary segment lies closer than its
+//   separation.  Each strike looks at one candidate alone and only ever
+//   closes it, so the order in which the three are tried does not change
+//   which candidates stay open, and a seed whose open count falls to zero
+//   on the way gives nothing as surely as one whose open set ends empty.
+// - Each strike compares with the candidate's separation; where the bounds
+//   of the field already decide the comparison, the exact separation is not
+//   worked out.  Where they do not, it is, by local_separation.
+// - The isolated-candidate passes and the choice then run on the same open
+//   set as the literal steps; the choice skips only candidates whose score
+//   provably cannot win, and only points that provably cannot give a
+//   smaller term.
+
+namespace {
+
+constexpr double kPointClearanceFactor = 0.8099999570846563;
+constexpr double kLargest = 1.7976931348623157e+308;
+
+// The squared distance inside which a listed point strikes a candidate of
+// separation s, as the literal step works it out.
+double clearance(double s) { return s * s * kPointClearanceFactor; }
+
+struct Grid {
+  const EmplacementGrid& grid;
+  std::int32_t nsdim;
+  std::int32_t half;
+  double x(std::int32_t k) const { return grid.grid_x[static_cast<std::size_t>(k + half)]; }
+  double y(std::int32_t j) const { return grid.grid_y[static_cast<std::size_t>(j + half)]; }
+  std::size_t at(std::int32_t k, std::int32_t j) const {
+    return static_cast<std::size_t>((j + half) * nsdim + (k + half));
+  }
+};
+
+// The exact separation at candidate (k, j), worked out once.
+double exact_separation(RunState& state, FastEmplacement& f, const Grid& g, std::int32_t k, std::int32_t j) {
+  double& s = f.exact[g.at(k, j)];
+  if (std::isnan(s)) s = local_separation(state, g.x(k), g.y(j), state.control.poly_growth_rate);
+  return s;
+}
+
+// Whether a listed point at squared distance `d2min` (the nearest) strikes
+// candidate (k, j), when the rectangle's bounds left it open.
+bool struck_by_point(RunState& state, FastEmplacement& f, const Grid& g, std::int32_t k, std::int32_t j,
+                     double d2min) {
+  double lo = 0.0;
+  double hi = 0.0;
+  bound_field_at(state, f.field, g.x(k), g.y(j), lo, hi);
+  // The clearance rises with s, rounding included, so bounds on s bound it.
+  if (clearance(lo) > d2min) return true;
+  if (!(clearance(hi) > d2min)) return false;
+  return clearance(exact_separation(state, f, g, k, j)) > d2min;
+}
+
+// Whether a boundary segment at distance `distance` strikes candidate (k, j).
+bool struck_by_segment(RunState& state, FastEmplacement& f, const Grid& g, std::int32_t k, std::int32_t j,
+                       double distance) {
+  if (f.field.lo > distance) return true;
+  if (!(f.field.hi > distance)) return false;
+  double lo = 0.0;
+  double hi = 0.0;
+  bound_field_at(state, f.field, g.x(k), g.y(j), lo, hi);
+  if (lo > distance) return true;
+  if (!(hi > distance)) return false;
+  return exact_separation(state, f, g, k, j) > distance;
+}
+
+// Whether some candidate of the grid lies in the domain, trying the seed's
+// own position first.
+bool any_candidate_in_domain(const RunState& state, const Grid& g) {
+  if (point_in_domain(state, g.x(0), g.y(0))) return true;
+  for (std::int32_t j = -g.half; j <= g.half; ++j) {
+    for (std::int32_t k = -g.half; k <= g.half; ++k) {
+      if (point_in_domain(state, g.x(k), g.y(j))) return true;
+    }
+  }
+  return false;
+}
+
+// Strikes the candidates that a listed point lies too close to, row by row:
+// a row sees only the points within the largest clearance of it, and a
+// candidate only those of them within that clearance in x, taken from the
+// points sorted by x.
+void strike_near_points(RunState& state, FastEmplacement& f, const Grid& g) {
+  const double limit_lo = clearance(f.field.lo);
+  const double limit_hi = clearance(f.field.hi);
+  // A point farther than `window` in x has dx * dx above limit_hi, and its
+  // squared distance too, since adding dy * dy cannot lower a rounded sum;
+  // the window is taken generously, as the comparisons inside it are exact.
+  const double window = std::sqrt(limit_hi) * 1.001 + 1e-9 * (std::fabs(g.x(-g.half)) + std::fabs(g.x(g.half)));
+  for (std::int32_t j = -g.half; j <= g.half; ++j) {
+    const double y = g.y(j);
+    f.row_x.clear();
+    f.row_dy2.clear();
+    for (std::size_t p = 0; p < f.near_x.size(); ++p) {
+      const double dy = y - f.near_y[p];
+      const double dy2 = dy * dy;
+      if (limit_hi > dy2) {
+        f.row_x.push_back(f.near_x[p]);
+        f.row_dy2.push_back(dy2);
+      }
+    }
+    std::size_t first = 0;
+    for (std::int32_t k = -g.half; k <= g.half; ++k) {
+      const double x = g.x(k);
+      while (first < f.row_x.size() && f.row_x[first] < x - window) ++first;
+      bool struck = false;
+      double d2min = INFINITY;
+      for (std::size_t q = first; q < f.row_x.size() && f.row_x[q] <= x + window; ++q) {
+        const double dx = x - f.row_x[q];
+        const double d2 = dx * dx + f.row_dy2[q];
+        if (limit_lo > d2) {
+          struck = true;
+          break;
+        }
+        d2min = std::min(d2min, d2);
+      }
+      if (!struck && limit_hi > d2min) struck = struck_by_point(state, f, g, k, j, d2min);
+      if (struck) f.open[g.at(k, j)] = 0;
+    }
+  }
+}
+
+// Strikes the open candidates that a boundary segment lies too close to;
+// only segments within the field's upper bound of the grid can.
+void strike_near_segments(RunState& state, FastEmplacement& f, const Grid& g) {
+  const double xlo = g.x(-g.half);
+  const double xhi = g.x(g.half);
+  const double ylo = g.y(-g.half);
+  const double yhi = g.y(g.half);
+  // distance_to_segment is off by far less than this from the true distance.
+  const double reach =
+      f.field.hi * (1.0 + 1e-9) + 1e-9 * (std::fabs(xlo) + std::fabs(xhi) + std::fabs(ylo) + std::fabs(yhi));
+  const std::vector<double>& ends = f.segments.ends;
+  if (f.segments.built) {
+    segments_near(f.segments, xlo, xhi, ylo, yhi, reach, f.close_segments);
+  } else {
+    f.close_segments.resize(ends.size() / 4);
+    std::iota(f.close_segments.begin(), f.close_segments.end(), 0);
+  }
+  if (f.close_segments.empty()) return;
+  for (std::int32_t j = -g.half; j <= g.half; ++j) {
+    for (std::int32_t k = -g.half; k <= g.half; ++k) {
+      if (f.open[g.at(k, j)] == 0) continue;
+      for (std::int32_t s : f.close_segments) {
+        const double* e = &ends[4 * static_cast<std::size_t>(s)];
+        const double distance = distance_to_segment(g.x(k), g.y(j), e[0], e[1], e[2], e[3]);
+        if (struck_by_segment(state, f, g, k, j, distance)) {
+          f.open[g.at(k, j)] = 0;
+          break;
+        }
+      }
+    }
+  }
+}
+
+// The literal choice among the open candidates: the smallest score
+// |distance to the seed - sep| + min over other listed points of
+// |distance - sep|, the first in scan order on a tie.
+bool choose(FastEmplacement& f, const Grid& g, std::int32_t seed, double x0, double y0, double sep, double& x,
+            double& y) {
+  f.open_list.clear();
+  f.seed_term.clear();
+  for (std::int32_t j = -g.half; j <= g.half; ++j) {
+    for (std::int32_t k = -g.half; k <= g.half; ++k) {
+      if (f.open[g.at(k, j)] == 0) continue;
+      const double dx = g.x(k) - x0;
+      const double dy = g.y(j) - y0;
+      f.open_list.push_back((j + g.half) * g.nsdim + (k + g.half));
+      f.seed_term.push_back(std::fabs(std::sqrt(dx * dx + dy * dy) - sep));
+    }
+  }
+  if (f.open_list.empty()) return false;
+  // The term of the other points, exactly as the literal step takes its
+  // minimum: a point whose distance is at least sep + m, or at most
+  // sep - m, gives a term of at least m and cannot lower it.
+  auto other_term = [&](double cx, double cy) {
+    double m = kLargest;
+    double above = INFINITY;
+    double below = -1.0;
+    for (std::size_t p = 0; p < f.near_number.size(); ++p) {
+      if (f.near_number[p] == seed) continue;
+      const double dx = cx - f.near_x[p];
+      const double dy = cy - f.near_y[p];
+      const double d2 = dx * dx + dy * dy;
+      if (d2 >= above || d2 <= below) continue;
+      m = std::min(m, std::fabs(std::sqrt(d2) - sep));
+      // The cut-offs are widened by a relative 1e-12 against the rounding
+      // of the square root and of the squares here.
+      const double high = sep + m;
+      above = high * high * (1.0 + 1e-12);
+      const double low = sep - m;
+      below = low > 0.0 ? low * low * (1.0 - 1e-12) : -1.0;
+    }
+    return m;
+  };
+  auto candidate_x = [&](std::int32_t c) { return g.x(c % g.nsdim - g.half); };
+  auto candidate_y = [&](std::int32_t c) { return g.y(c / g.nsdim - g.half); };
+  // The candidate with the smallest seed term first, so that the bound to
+  // beat is low from the start; then all in scan order.  The winner is the
+  // smallest (score, scan position), as in the literal scan.
+  const std::size_t start = static_cast<std::size_t>(
+      std::min_element(f.seed_term.begin(), f.seed_term.end()) - f.seed_term.begin());
+  std::size_t best_at = start;
+  double best = f.seed_term[start] + other_term(candidate_x(f.open_list[start]), candidate_y(f.open_list[start]));
+  for (std::size_t q = 0; q < f.open_list.size(); ++q) {
+    if (q == start) continue;
+    // The score is the seed term plus a term that is not negative, and a
+    // rounded sum is not below either part: a seed term above the best
+    // score, or equal to it behind the best in scan order, cannot win.
+    if (f.seed_term[q] > best || (f.seed_term[q] == best && q > best_at)) continue;
+    const double score = f.seed_term[q] + other_term(candidate_x(f.open_list[q]), candidate_y(f.open_list[q]));
+    if (score < best || (score == best && q < best_at)) {
+      best = score;
+      best_at = q;
+    }
+  }
+  x = candidate_x(f.open_list[best_at]);
+  y = candidate_y(f.open_list[best_at]);
+  return true;
+}
+
+}  // namespace
+
+void start_fast_emplacement(RunState& state) {
+  FastEmplacement& f = state.fast_emplacement;
+  f = FastEmplacement{};
+  // The index covers the outer boundary and every point placed so far: the
+  // points still to come lie in the domain.
+  const std::vector<double>& outer = state.outer_boundary.vertices;
+  double xlo = outer.empty() ? 0.0 : outer[0];
+  double xhi = xlo;
+  double ylo = outer.size() > 1 ? outer[1] : 0.0;
+  double yhi = ylo;
+  auto widen = [&](double x, double y) {
+    if (!std::isfinite(x) || !std::isfinite(y)) return;
+    xlo = std::min(xlo, x);
+    xhi = std::max(xhi, x);
+    ylo = std::min(ylo, y);
+    yhi = std::max(yhi, y);
+  };
+  for (std::size_t k = 0; k + 1 < outer.size(); k += 2) widen(outer[k], outer[k + 1]);
+  const std::vector<double>& points = state.mesh.mesh_points;
+  for (std::int32_t p = 0; p < state.mesh.mesh_point_count; ++p) widen(points[2 * p], points[2 * p + 1]);
+  start_mesh_point_index(f.mesh_index, &state.mesh.mesh_points, xlo, xhi, ylo, yhi);
+  for (std::int32_t p = 1; p <= state.mesh.mesh_point_count; ++p) insert_mesh_point(f.mesh_index, p);
+
+  std::vector<const double*> rings = {state.outer_boundary.vertices.data()};
+  std::vector<std::int32_t> counts = {state.outer_boundary.vertex_count};
+  for (const BoundaryRing& ring : state.inner_boundaries) {
+    rings.push_back(ring.vertices.data());
+    counts.push_back(ring.vertex_count);
+  }
+  build_segment_index(f.segments, rings, counts);
+  if (!f.segments.built) {
+    // Values the index cannot place: every segment is looked at.
+    f.segments.ends.clear();
+    for (std::size_t r = 0; r < rings.size(); ++r) {
+      for (std::int32_t k = 0; k + 1 < counts[r]; ++k) {
+        const double* v = rings[r] + 2 * static_cast<std::size_t>(k);
+        f.segments.ends.insert(f.segments.ends.end(), {v[0], v[1], v[2], v[3]});
+      }
+    }
+  }
+  f.ready = true;
+}
+
+bool choose_from_seed_fast(RunState& state, std::int32_t seed, double& x, double& y) {
+  FastEmplacement& f = state.fast_emplacement;
+  const MeshPointList& mesh = state.mesh;
+  const double growth = state.control.poly_growth_rate;
+  const std::int32_t nsdim = state.control.nsdim;
+  EmplacementGrid& grid = state.grid;
+  const Grid g{grid, nsdim, grid.half};
+  const double x0 = mesh.mesh_points[2 * static_cast<std::size_t>(seed - 1)];
+  const double y0 = mesh.mesh_points[2 * static_cast<std::size_t>(seed - 1) + 1];
+  const double sep = local_separation(state, x0, y0, growth);
+  double box = sep;
+  int domain = kMixed;
+  for (;;) {
+    const double h = box * 3.0 / nsdim;
+    // A grid that is no longer finite has no rectangle to bound or index.
+    if (!std::isfinite(h) || !std::isfinite(x0) || !std::isfinite(y0) || !(h > 0.0)) {
+      return choose_from_seed_reference(state, seed, x, y);
+    }
+    for (std::int32_t k = -g.half; k <= g.half; ++k) {
+      grid.grid_x[static_cast<std::size_t>(k + g.half)] = k * h + x0;
+      grid.grid_y[static_cast<std::size_t>(k + g.half)] = k * h + y0;
+    }
+    domain = rectangle_in_domain(state, g.x(-g.half), g.x(g.half), g.y(-g.half), g.y(g.half));
+    if (domain == kOutside) return false;
+    if (domain == kMixed && !any_candidate_in_domain(state, g)) return false;
+    points_in_box(f.mesh_index, g.x(-g.half) - box, g.x(g.half) + box, g.y(-g.half) - box, g.y(g.half) + box, f.near);
+    if (f.near.size() >= 5) break;
+    box *= growth;
+  }
+
+  bound_field(state, g.x(-g.half), g.x(g.half), g.y(-g.half), g.y(g.half), f.field);
+  // Without safe bounds of the field (a growth rate they do not serve) the
+  // literal steps decide.
+  if (!f.field.usable) return choose_from_seed_reference(state, seed, x, y);
+
+  const std::size_t candidates = static_cast<std::size_t>(nsdim) * static_cast<std::size_t>(nsdim);
+  f.open.assign(candidates, 1);
+  f.exact.assign(candidates, std::numeric_limits<double>::quiet_NaN());
+
+  // The listed points sorted by x, with their numbers.
+  f.near_number = f.near;
+  std::sort(f.near_number.begin(), f.near_number.end(), [&](std::int32_t a, std::int32_t b) {
+    return mesh.mesh_points[2 * static_cast<std::size_t>(a - 1)] < mesh.mesh_points[2 * static_cast<std::size_t>(b - 1)];
+  });
+  f.near_x.clear();
+  f.near_y.clear();
+  for (std::int32_t p : f.near_number) {
+    f.near_x.push_back(mesh.mesh_points[2 * static_cast<std::size_t>(p - 1)]);
+    f.near_y.push_back(mesh.mesh_points[2 * static_cast<std::size_t>(p - 1) + 1]);
+  }
+
+  strike_near_points(state, f, g);
+  strike_near_segments(state, f, g);
+  if (domain != kInside) {
+    for (std::int32_t j = -g.half; j <= g.half; ++j) {
+      for (std::int32_t k = -g.half; k <= g.half; ++k) {
+        if (f.open[g.at(k, j)] != 0 && !point_in_domain(state, g.x(k), g.y(j))) f.open[g.at(k, j)] = 0;
+      }
+    }
+  }
+  // Isolated candidates inside the rim, twice, exactly as the literal step.
+  for (int pass = 0; pass < 2; ++pass) {
+    for (std::int32_t j = -g.half + 1; j <= g.half - 1; ++j) {
+      for (std::int32_t k = -g.half + 1; k <= g.half - 1; ++k) {
+        if (f.open[g.at(k, j)] == 0) continue;
+        if (f.open[g.at(k - 1, j)] == 0 && f.open[g.at(k + 1, j)] == 0 && f.open[g.at(k, j - 1)] == 0 &&
+            f.open[g.at(k, j + 1)] == 0) {
+          f.open[g.at(k, j)] = 0;
+        }
+      }
+    }
+  }
+  return choose(f, g, seed, x0, y0, sep, x, y);
+}
+
+}  // namespace tesseramill

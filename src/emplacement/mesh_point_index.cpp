@@ -1,0 +1,125 @@
+#include "emplacement/mesh_point_index.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tesseramill {
+
+namespace {
+
+constexpr std::size_t kLeafPoints = 16;
+// A cell this deep is not split again: its points share a place to within
+// 2^-40 of the region, as duplicate points do.
+constexpr std::int32_t kDeepest = 40;
+
+double px(const MeshPointIndex& index, std::int32_t number) {
+  return (*index.coordinates)[2 * static_cast<std::size_t>(number - 1)];
+}
+double py(const MeshPointIndex& index, std::int32_t number) {
+  return (*index.coordinates)[2 * static_cast<std::size_t>(number - 1) + 1];
+}
+
+// Which child of `cell` holds (x, y): bit 0 east, bit 1 north.
+std::int32_t quadrant(const MeshPointIndex::Cell& cell, double x, double y) {
+  const double half = cell.size * 0.5;
+  return (x >= cell.x0 + half ? 1 : 0) + (y >= cell.y0 + half ? 2 : 0);
+}
+
+bool in_region(const MeshPointIndex& index, double x, double y) {
+  const MeshPointIndex::Cell& root = index.cells[0];
+  return x >= root.x0 && x <= root.x0 + root.size && y >= root.y0 && y <= root.y0 + root.size;
+}
+
+void split(MeshPointIndex& index, std::int32_t c) {
+  const std::int32_t first = static_cast<std::int32_t>(index.cells.size());
+  const MeshPointIndex::Cell parent = index.cells[static_cast<std::size_t>(c)];
+  const double half = parent.size * 0.5;
+  for (std::int32_t q = 0; q < 4; ++q) {
+    MeshPointIndex::Cell child;
+    child.x0 = parent.x0 + (q & 1 ? half : 0.0);
+    child.y0 = parent.y0 + (q & 2 ? half : 0.0);
+    child.size = half;
+    child.depth = parent.depth + 1;
+    index.cells.push_back(std::move(child));
+  }
+  std::vector<std::int32_t> points = std::move(index.cells[static_cast<std::size_t>(c)].points);
+  index.cells[static_cast<std::size_t>(c)].points.clear();
+  index.cells[static_cast<std::size_t>(c)].first_child = first;
+  for (std::int32_t number : points) {
+    const std::int32_t q = quadrant(index.cells[static_cast<std::size_t>(c)], px(index, number), py(index, number));
+    index.cells[static_cast<std::size_t>(first + q)].points.push_back(number);
+  }
+}
+
+}  // namespace
+
+void start_mesh_point_index(MeshPointIndex& index, const std::vector<double>* coordinates, double xlo, double xhi,
+                            double ylo, double yhi) {
+  index.coordinates = coordinates;
+  index.cells.clear();
+  index.elsewhere.clear();
+  MeshPointIndex::Cell root;
+  double size = std::max(xhi - xlo, yhi - ylo);
+  if (!(size > 0.0) || !std::isfinite(size)) size = 1.0;
+  root.x0 = std::isfinite(xlo) ? xlo : 0.0;
+  root.y0 = std::isfinite(ylo) ? ylo : 0.0;
+  root.size = size;
+  index.cells.push_back(std::move(root));
+}
+
+void insert_mesh_point(MeshPointIndex& index, std::int32_t number) {
+  const double x = px(index, number);
+  const double y = py(index, number);
+  if (!in_region(index, x, y)) {
+    index.elsewhere.push_back(number);
+    return;
+  }
+  std::int32_t c = 0;
+  for (;;) {
+    MeshPointIndex::Cell& cell = index.cells[static_cast<std::size_t>(c)];
+    if (cell.first_child >= 0) {
+      c = cell.first_child + quadrant(cell, x, y);
+      continue;
+    }
+    if (cell.points.size() < kLeafPoints || cell.depth >= kDeepest) {
+      cell.points.push_back(number);
+      return;
+    }
+    split(index, c);
+  }
+}
+
+void points_in_box(const MeshPointIndex& index, double xlo, double xhi, double ylo, double yhi,
+                   std::vector<std::int32_t>& out) {
+  out.clear();
+  // The same comparisons as a scan over every point makes, on each point of
+  // every leaf the box reaches; the order is restored by sorting.
+  auto take = [&](std::int32_t number) {
+    const double x = px(index, number);
+    const double y = py(index, number);
+    if (x >= xlo && x <= xhi && y >= ylo && y <= yhi) out.push_back(number);
+  };
+  for (std::int32_t number : index.elsewhere) take(number);
+  std::int32_t stack[4 * kDeepest + 8];
+  std::int32_t top = 0;
+  stack[top++] = 0;
+  while (top > 0) {
+    const MeshPointIndex::Cell& cell = index.cells[static_cast<std::size_t>(stack[--top])];
+    // A cell the box cannot reach holds no point the box holds: its points
+    // lie within [x0, x0 + size] x [y0, y0 + size], up to the rounding of
+    // the halvings that made the cell, which the slack covers.
+    const double slack = 1e-12 * (std::fabs(cell.x0) + std::fabs(cell.y0) + cell.size);
+    if (cell.x0 - slack > xhi || cell.x0 + cell.size + slack < xlo || cell.y0 - slack > yhi ||
+        cell.y0 + cell.size + slack < ylo) {
+      continue;
+    }
+    if (cell.first_child < 0) {
+      for (std::int32_t number : cell.points) take(number);
+    } else {
+      for (std::int32_t q = 0; q < 4; ++q) stack[top++] = cell.first_child + q;
+    }
+  }
+  std::sort(out.begin(), out.end());
+}
+
+}  // namespace tesseramill

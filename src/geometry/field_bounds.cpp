@@ -1,0 +1,191 @@
+#include "geometry/field_bounds.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "geometry/planar_tools.h"
+#include "run/run_state.h"
+
+namespace tesseramill {
+
+namespace {
+
+// Why the bounds hold.  A source of separation s asks, at distance d, for
+//   size = growth^max(0, log(a) / log(growth) - 1.5) * s,  a = d (growth - 1) / s + 1,
+// which in exact arithmetic is max(s, (s + d (growth - 1)) / growth^1.5):
+// the algebraic size below, which needs no logarithm or power.  The run
+// works it out with log and pow; their errors, and those of the steps
+// around them, change the exponent by at most about 4 ulp(log a) /
+// log(growth) plus a few ulps, and the size by a relative 5e-13 at most
+// while a stays below 1e300.  The bounds widen the algebraic size by a
+// relative 1e-9, far beyond that, and by 1e-300 in absolute terms for
+// sizes so small that relative errors no longer hold.  Past a of 1e300 the
+// run's size may overflow, and no upper bound is claimed.
+constexpr double kRelative = 1e-9;
+constexpr double kAbsolute = 1e-300;
+constexpr double kLargestSafeA = 1e300;
+
+struct Growth {
+  double less_one;   // growth - 1, as the run works it out
+  double inverse_rise;  // 1 / growth^1.5
+};
+
+bool growth_for(double growth, Growth& g) {
+  g.less_one = growth - 1.0;
+  g.inverse_rise = 1.0 / std::pow(growth, 1.5);
+  // A growth rate whose rise overflows, or so close to one that nothing
+  // grows, leaves the algebraic size without meaning.
+  return g.less_one > 0.0 && std::isfinite(g.less_one) && g.inverse_rise > 0.0 && std::isnormal(g.inverse_rise) &&
+         std::isfinite(1.0 / std::log(growth));
+}
+
+double algebraic_size(const Growth& g, double d, double s) { return std::max(s, (s + d * g.less_one) * g.inverse_rise); }
+
+double lower_size(const Growth& g, double d, double s) {
+  return std::max(0.0, algebraic_size(g, d, s) * (1.0 - kRelative) - kAbsolute);
+}
+
+double upper_size(const Growth& g, double d, double s) {
+  if (!(d * g.less_one / s <= kLargestSafeA)) return INFINITY;
+  const double size = algebraic_size(g, d, s);
+  if (!(size <= kLargestSafeA)) return INFINITY;
+  return size * (1.0 + kRelative) + kAbsolute;
+}
+
+// The caps of MAX_CENTROID_SEPARATION and of the inner polygons holding (x, y).
+double cap_at(const RunState& state, double x, double y) {
+  double cap = state.control.max_centroid_separation;
+  for (std::size_t i = 0; i < state.inner_polygons.size(); ++i) {
+    if (in_inner_polygon(state, i, x, y)) cap = std::min(cap, state.control.inner_polygon_max_separation[i]);
+  }
+  return cap;
+}
+
+}  // namespace
+
+void bound_field(const RunState& state, double xlo, double xhi, double ylo, double yhi, FieldBounds& b) {
+  b.usable = false;
+  b.xs.clear();
+  b.ys.clear();
+  b.separations.clear();
+  Growth g;
+  const SourceIndex& index = state.source_index;
+  const DomainIndex& domain = state.domain_index;
+  if (!growth_for(state.control.poly_growth_rate, g) || !index.built || !domain.built) return;
+
+  // The field is the smallest of the sizes and the caps; min is exact, so
+  // that a source or a cap that asks for more than the field cannot matter.
+  // Caps: MAX_CENTROID_SEPARATION everywhere, and each inner polygon's where
+  // it holds the point.  Over the rectangle they lie in [cap_lo, cap_hi].
+  double cap_lo = state.control.max_centroid_separation;
+  double cap_hi = cap_lo;
+  b.caps_vary = false;
+  for (std::size_t i = 0; i < domain.polygons.size(); ++i) {
+    const int where = locate_rectangle_in_ring(domain.polygons[i], xlo, xhi, ylo, yhi);
+    const double cap = state.control.inner_polygon_max_separation[i];
+    if (where == kOutside) continue;
+    cap_lo = std::min(cap_lo, cap);
+    if (where == kInside) {
+      cap_hi = std::min(cap_hi, cap);
+    } else {
+      b.caps_vary = true;
+    }
+  }
+  b.cap = cap_hi;
+
+  // Sources ring by ring of cells outward from the rectangle, until no
+  // source farther out can ask for less than the smallest upper bound found:
+  // every size is at least d (growth - 1) / growth^1.5.
+  const CellGrid& grid = index.grid;
+  const double reach_limit = 4.0 * static_cast<double>(std::max(grid.nx, grid.ny));
+  const std::int64_t i0 = static_cast<std::int64_t>(std::clamp(grid.column_of(xlo), -reach_limit, reach_limit));
+  const std::int64_t i1 = static_cast<std::int64_t>(std::clamp(grid.column_of(xhi), -reach_limit, reach_limit));
+  const std::int64_t j0 = static_cast<std::int64_t>(std::clamp(grid.row_of(ylo), -reach_limit, reach_limit));
+  const std::int64_t j1 = static_cast<std::int64_t>(std::clamp(grid.row_of(yhi), -reach_limit, reach_limit));
+  double upper = cap_hi;  // the smallest upper bound so far
+  std::vector<double> lowers;
+  auto visit_cell = [&](std::int64_t i, std::int64_t j) {
+    if (i < 0 || i >= grid.nx || j < 0 || j >= grid.ny) return;
+    const std::size_t c = grid.cell(static_cast<std::int32_t>(i), static_cast<std::int32_t>(j));
+    for (std::int32_t m = index.cell_start[c]; m < index.cell_start[c + 1]; ++m) {
+      const std::size_t at = static_cast<std::size_t>(m);
+      const double sx = index.xs[at];
+      const double sy = index.ys[at];
+      const double s = index.separations[at];
+      const double ex = std::max({xlo - sx, 0.0, sx - xhi});
+      const double ey = std::max({ylo - sy, 0.0, sy - yhi});
+      const double fx = std::max(std::fabs(sx - xlo), std::fabs(sx - xhi));
+      const double fy = std::max(std::fabs(sy - ylo), std::fabs(sy - yhi));
+      const double lower = lower_size(g, std::sqrt(ex * ex + ey * ey), s);
+      if (lower >= upper) continue;
+      upper = std::min(upper, upper_size(g, std::sqrt(fx * fx + fy * fy), s));
+      b.xs.push_back(sx);
+      b.ys.push_back(sy);
+      b.separations.push_back(s);
+      lowers.push_back(lower);
+    }
+  };
+  const std::int64_t last_ring = std::max({i1 - 0, grid.nx - 1 - i0, j1 - 0, grid.ny - 1 - j0}) + 1;
+  for (std::int64_t r = 0; r <= last_ring; ++r) {
+    // Every cell of ring r lies at least (r - 1) cell sides from the
+    // rectangle; one side less allows for a column or row that rounding
+    // put one cell over.
+    if (r > 2 &&
+        static_cast<double>(r - 2) * grid.h * g.less_one * g.inverse_rise * (1.0 - kRelative) - kAbsolute >= upper) {
+      break;
+    }
+    if (r == 0) {
+      for (std::int64_t j = j0; j <= j1; ++j) {
+        for (std::int64_t i = i0; i <= i1; ++i) visit_cell(i, j);
+      }
+      continue;
+    }
+    for (std::int64_t i = i0 - r; i <= i1 + r; ++i) {
+      visit_cell(i, j0 - r);
+      visit_cell(i, j1 + r);
+    }
+    for (std::int64_t j = j0 - r + 1; j <= j1 + r - 1; ++j) {
+      visit_cell(i0 - r, j);
+      visit_cell(i1 + r, j);
+    }
+  }
+  // Keep the sources whose lower bound is below the final smallest upper
+  // bound; the others ask for at least the field everywhere in the rectangle.
+  std::size_t kept = 0;
+  double lowest = cap_lo;
+  for (std::size_t k = 0; k < lowers.size(); ++k) {
+    if (lowers[k] >= upper) continue;
+    lowest = std::min(lowest, lowers[k]);
+    b.xs[kept] = b.xs[k];
+    b.ys[kept] = b.ys[k];
+    b.separations[kept] = b.separations[k];
+    ++kept;
+  }
+  b.xs.resize(kept);
+  b.ys.resize(kept);
+  b.separations.resize(kept);
+  b.lo = lowest;
+  b.hi = upper;
+  // No source asks for less than the caps anywhere, and the caps are one
+  // value over the rectangle: the field is that value.
+  b.flat = kept == 0 && !b.caps_vary;
+  if (b.flat) b.lo = b.hi = b.cap;
+  b.usable = true;
+}
+
+void bound_field_at(const RunState& state, const FieldBounds& b, double x, double y, double& lo, double& hi) {
+  Growth g;
+  growth_for(state.control.poly_growth_rate, g);
+  const double cap = b.caps_vary ? cap_at(state, x, y) : b.cap;
+  lo = cap;
+  hi = cap;
+  for (std::size_t k = 0; k < b.xs.size(); ++k) {
+    const double dx = x - b.xs[k];
+    const double dy = y - b.ys[k];
+    const double d = std::sqrt(dx * dx + dy * dy);
+    lo = std::min(lo, lower_size(g, d, b.separations[k]));
+    hi = std::min(hi, upper_size(g, d, b.separations[k]));
+  }
+}
+
+}  // namespace tesseramill

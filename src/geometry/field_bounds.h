@@ -1,0 +1,38 @@
+// Safe bounds of the separation field over a rectangle and at the points in
+// it, from which most decisions that need the field can be taken without
+// its logarithms and powers.
+#pragma once
+
+#include <vector>
+
+namespace tesseramill {
+
+struct RunState;
+
+struct FieldBounds {
+  // False when the growth rate or the sources leave no safe bounds; every
+  // value must then come from local_separation itself.
+  bool usable = false;
+  // local_separation at every point of the rectangle lies in [lo, hi].
+  double lo = 0.0;
+  double hi = 0.0;
+  // lo equals hi: the field is exactly that value over the whole rectangle.
+  bool flat = false;
+  // An inner polygon's edge comes near the rectangle: its cap is looked up
+  // point by point.  Otherwise `cap` holds the caps' value everywhere.
+  bool caps_vary = false;
+  double cap = 0.0;
+  // The sources that can give the smallest size somewhere in the rectangle;
+  // every other source asks for more than the field is anywhere there.
+  std::vector<double> xs;
+  std::vector<double> ys;
+  std::vector<double> separations;
+};
+
+// Bounds the field over [xlo, xhi] x [ylo, yhi] with the run's growth rate.
+void bound_field(const RunState& state, double xlo, double xhi, double ylo, double yhi, FieldBounds& bounds);
+
+// Bounds the field at (x, y), which lies in the rectangle of `bounds`.
+void bound_field_at(const RunState& state, const FieldBounds& bounds, double x, double y, double& lo, double& hi);
+
+}  // namespace tesseramill

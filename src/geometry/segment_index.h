@@ -1,0 +1,34 @@
+// The segments of the outer and inner boundaries, as read from their files,
+// by place: which segments can come within a given distance of a rectangle.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "geometry/cell_grid.h"
+
+namespace tesseramill {
+
+struct SegmentIndex {
+  bool built = false;
+  CellGrid grid;
+  // Each segment's ends, x1, y1, x2, y2, numbered in the order of the rings
+  // and of their vertices.
+  std::vector<double> ends;
+  // The segments that pass through cell c: cell_segments[cell_start[c] .. cell_start[c+1]).
+  std::vector<std::int32_t> cell_start;
+  std::vector<std::int32_t> cell_segments;
+};
+
+// Indexes the segments from vertex k to vertex k+1 of each ring of
+// `counts[r]` x,y pairs at `rings[r]`.  Not built when a value is no finite
+// number; callers then look at every segment.
+void build_segment_index(SegmentIndex& index, const std::vector<const double*>& rings,
+                         const std::vector<std::int32_t>& counts);
+
+// The numbers of every segment that comes within `reach` of the rectangle,
+// and possibly of a few more, in ascending order and each once.
+void segments_near(const SegmentIndex& index, double xlo, double xhi, double ylo, double yhi, double reach,
+                   std::vector<std::int32_t>& out);
+
+}  // namespace tesseramill

@@ -1,0 +1,200 @@
+// Every proposal of interior emplacement, asked of the fast path and of the
+// literal steps on the same run state, chooses the same candidate.
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "emplacement/chains.h"
+#include "emplacement/fast_emplacement.h"
+#include "emplacement/interior_emplacement.h"
+#include "geometry/planar_tools.h"
+#include "geometry/source_index.h"
+#include "model_family.h"
+#include "support/random.h"
+#include "support/model_state.h"
+#include "support/scratch.h"
+
+namespace tesseramill {
+namespace {
+
+using tesseramill_bench::ModelSpec;
+namespace fs = std::filesystem;
+
+// Replays the emplacement cycles on a model with the fast path, asks the
+// literal steps too at every `every`th seed, and appends the candidate.
+// Stops after `most` proposals.  Checking a share of the seeds keeps the
+// slow literal steps few while the replay reaches deep into the domain;
+// whole runs compare every proposal's outcome.
+void expect_same_proposals(const fs::path& folder, const std::string& control, int most, int every) {
+  RunState state;
+  std::ostringstream screen;
+  ASSERT_TRUE(tesseramill_test::run_phases_until(state, folder, control, Phase::kPopulateBoundaries, screen))
+      << state.message_buffer;
+  start_fast_emplacement(state);
+  int proposals = 0;
+  int checked = 0;
+  std::int32_t seed_after = 0;
+  for (std::int32_t cycle = 1; proposals < most; ++cycle) {
+    const std::int32_t n = state.mesh.mesh_point_count;
+    seed_after = seed_range_start(state, cycle, seed_after);
+    if (n <= seed_after) break;
+    std::int32_t added = 0;
+    for (std::int32_t seed = seed_after + 1; seed <= n && proposals < most; ++seed, ++proposals) {
+      double xf = 0.0;
+      double yf = 0.0;
+      double xr = 0.0;
+      double yr = 0.0;
+      const bool fast = choose_from_seed_fast(state, seed, xf, yf);
+      if (proposals % every == 0) {
+        state.reference_paths = true;
+        const bool reference = choose_from_seed_reference(state, seed, xr, yr);
+        state.reference_paths = false;
+        ASSERT_EQ(fast, reference) << "cycle " << cycle << " seed " << seed;
+        if (fast) {
+          ASSERT_EQ(xf, xr) << "cycle " << cycle << " seed " << seed;
+          ASSERT_EQ(yf, yr) << "cycle " << cycle << " seed " << seed;
+          ++checked;
+        }
+      }
+      if (!fast) continue;
+      const std::int32_t number = append_mesh_point(state, xf, yf, cycle);
+      insert_mesh_point(state.fast_emplacement.mesh_index, number);
+      ++added;
+    }
+    if (added == 0) break;
+  }
+  // Enough proposals that chose a candidate have to be checked to mean anything.
+  EXPECT_GT(checked, 20);
+}
+
+void expect_same_proposals(const ModelSpec& spec, int most, int every) {
+  tesseramill_test::ScratchDir dir;
+  tesseramill_bench::write_model(spec, dir.path());
+  expect_same_proposals(dir.path(), "model.in", most, every);
+}
+
+TEST(FastEmplacement, ChoosesAsTheLiteralStepsOnTheFamily) {
+  ModelSpec spec = tesseramill_bench::family_model(1e3);
+  spec.scale = 16.0;
+  expect_same_proposals(spec, 3000, 20);
+}
+
+TEST(FastEmplacement, ChoosesAsTheLiteralStepsWithFineFeaturesAndTheirCaps) {
+  // Refinement 1 reaches the caps, so that flat rectangles, relevant
+  // sources and inner polygon edges all come into play.
+  ModelSpec spec = tesseramill_bench::family_model(1e5);
+  spec.scale = 4.0;
+  expect_same_proposals(spec, 6000, 40);
+}
+
+TEST(FastEmplacement, ChoosesAsTheLiteralStepsWithGrowthRatesNearOneAndLarge) {
+  for (double growth : {1.02, 3.0}) {
+    ModelSpec spec = tesseramill_bench::family_model(1e3);
+    spec.scale = 20.0;
+    spec.growth = growth;
+    expect_same_proposals(spec, 2000, 10);
+  }
+}
+
+TEST(FastEmplacement, ChoosesAsTheLiteralStepsWithSmallGridsAndEverySeed) {
+  ModelSpec spec = tesseramill_bench::family_model(1e3);
+  spec.scale = 16.0;
+  spec.nsdim = 7;
+  spec.safety = 3;
+  expect_same_proposals(spec, 4000, 4);
+}
+
+TEST(FastEmplacement, ChoosesAsTheLiteralStepsInsideAnOutlineOfThousandsOfVertices) {
+  ModelSpec spec = tesseramill_bench::family_model(1e3);
+  spec.scale = 16.0;
+  spec.outline_vertices = 2000;
+  spec.outline_roughness = 0.06;
+  spec.nsdim = 15;
+  spec.max_cells = 100000;
+  expect_same_proposals(spec, 3000, 15);
+}
+
+TEST(FastEmplacement, ChoosesAsTheLiteralStepsOnADomainOf1e7) {
+  // Coordinates are shifted so that the outer boundary starts at 1000; a
+  // domain 10,000 km across keeps them of the order of 1e7 after the shift.
+  ModelSpec spec = tesseramill_bench::family_model(1e3);
+  spec.radius = 5e6;
+  spec.scale = 16.0 * 250.0;
+  expect_same_proposals(spec, 3000, 20);
+}
+
+// Grid candidates fall exactly on the square's edges, on ring points and on
+// one another's distances: the square of side 60 with spacing 6 and NSDIM 9
+// puts candidates at whole numbers.
+TEST(FastEmplacement, ChoosesAsTheLiteralStepsWithCandidatesOnEdgesAndPoints) {
+  tesseramill_test::ScratchDir dir;
+  dir.write("outer.bln", "5\n0 0 6\n60 0 6\n60 60 6\n0 60 6\n0 0 6\n");
+  dir.write("hole.bln", "5\n24 24 6\n36 24 6\n36 36 6\n24 36 6\n24 24 6\n");
+  dir.write("pts.bln", "1\n12 48 3\n");
+  dir.write("m.in",
+            "START CONTROL\n MAX_CENTROID_SEPARATION 6\n POLY_GROWTH_RATE 1.2\n OUT_FILE_BASE m\n MAX_CELLS 5000\n"
+            " NSDIM 9\nEND\nSTART MF6\n MF6_BASENAME m\n NLAY 1\nEND\nSTART OUTER_BOUNDARY\n BLN_FILE outer.bln\nEND\n"
+            "START INNER_BOUNDARY\n BLN_FILE hole.bln\nEND\nSTART INNER_POINTS\n BLN_FILE pts.bln\nEND\n");
+  expect_same_proposals(dir.path(), "m.in", 3000, 1);
+}
+
+TEST(FastEmplacement, ChoosesAsTheLiteralStepsOnTheExampleWithEveryKindOfInput) {
+  expect_same_proposals(fs::path(TESSERAMILL_SOURCE_DIR) / "examples" / "full", "model.in", 3000, 2);
+}
+
+}  // namespace
+}  // namespace tesseramill
+
+namespace tesseramill {
+namespace {
+
+// Points on an integer lattice round a seed, with the field 10 everywhere
+// and candidate spacings of 6, 2 or 1.2: distances, strikes and scores tie
+// exactly again and again, and the first candidate in scan order must win.
+TEST(FastEmplacement, ChoosesAsTheLiteralStepsThroughExactTies) {
+  tesseramill_test::Random random(41);
+  int chosen = 0;
+  for (int trial = 0; trial < 2000; ++trial) {
+    RunState state;
+    state.control.max_cells = 5000;
+    state.control.poly_growth_rate = 1.2;
+    state.control.max_centroid_separation = 10.0;
+    state.smallest_max_separation = 10.0;
+    const std::int32_t sizes[] = {5, 15, 25, 7};
+    state.control.nsdim = sizes[trial % 4];
+    state.outer_boundary.vertices = {-1000, -1000, 1000, -1000, 1000, 1000, -1000, 1000, -1000, -1000};
+    state.outer_boundary.vertex_count = 5;
+    if (trial % 3 == 0) {
+      // A hole whose edges run along lattice lines through the grid.
+      BoundaryRing hole;
+      hole.vertices = {6, -4, 16, -4, 16, 8, 6, 8, 6, -4};
+      hole.vertex_count = 5;
+      state.inner_boundaries.push_back(hole);
+    }
+    build_domain_index(state);
+    build_source_index(state);
+    create_emplacement_grid(state);
+    append_mesh_point(state, 0, 0, 1);
+    const int points = 4 + trial % 17;
+    for (int p = 0; p < points; ++p) {
+      append_mesh_point(state, std::round(random.uniform(-25, 25)), std::round(random.uniform(-25, 25)), 1);
+    }
+    start_fast_emplacement(state);
+    double xf = 0.0;
+    double yf = 0.0;
+    double xr = 0.0;
+    double yr = 0.0;
+    const bool fast = choose_from_seed_fast(state, 1, xf, yf);
+    state.reference_paths = true;
+    const bool reference = choose_from_seed_reference(state, 1, xr, yr);
+    ASSERT_EQ(fast, reference) << trial;
+    if (!fast) continue;
+    ++chosen;
+    ASSERT_EQ(xf, xr) << trial;
+    ASSERT_EQ(yf, yr) << trial;
+  }
+  EXPECT_GT(chosen, 700);
+}
+
+}  // namespace
+}  // namespace tesseramill

@@ -1,0 +1,163 @@
+// The mesh point index lists what a scan of every point lists, the segment
+// index every segment within reach, and the minimum-separation sweep the
+// all-pairs minimum, bit for bit.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+#include "emplacement/mesh_point_index.h"
+#include "emplacement/minimum_separation.h"
+#include "geometry/planar_tools.h"
+#include "geometry/segment_index.h"
+#include "support/random.h"
+
+namespace tesseramill {
+namespace {
+
+using tesseramill_test::Random;
+
+std::vector<std::int32_t> scan(const std::vector<double>& points, double xlo, double xhi, double ylo, double yhi) {
+  std::vector<std::int32_t> out;
+  for (std::size_t k = 0; 2 * k + 1 < points.size(); ++k) {
+    const double x = points[2 * k];
+    const double y = points[2 * k + 1];
+    if (x >= xlo && x <= xhi && y >= ylo && y <= yhi) out.push_back(static_cast<std::int32_t>(k + 1));
+  }
+  return out;
+}
+
+// Points clustered at many densities, with duplicates, points exactly on
+// the region's rim and some outside it; boxes of every size, many with
+// edges exactly on points.
+TEST(MeshPointIndex, ListsWhatAScanLists) {
+  Random random(31);
+  for (double offset : {0.0, 1e6, 7e6}) {
+    std::vector<double> points;
+    MeshPointIndex index;
+    start_mesh_point_index(index, &points, offset + 1000, offset + 5000, offset + 1000, offset + 3000);
+    std::vector<std::int32_t> listed;
+    for (int n = 0; n < 4000; ++n) {
+      double x;
+      double y;
+      const int kind = n % 8;
+      if (kind == 0 && n > 0) {  // a duplicate of an earlier point
+        const std::size_t k = static_cast<std::size_t>(random.uniform(0, n - 1));
+        x = points[2 * k];
+        y = points[2 * k + 1];
+      } else if (kind == 1) {  // a tight cluster
+        x = offset + 2000 + random.uniform(0, 1e-3);
+        y = offset + 2000 + random.uniform(0, 1e-3);
+      } else if (kind == 2) {  // the rim and beyond
+        x = offset + (n % 16 == 2 ? 1000 : 5000 + random.uniform(-1, 1));
+        y = offset + random.uniform(900, 3100);
+      } else {
+        x = offset + random.uniform(1000, 5000);
+        y = offset + random.uniform(1000, 3000);
+      }
+      points.push_back(x);
+      points.push_back(y);
+      insert_mesh_point(index, n + 1);
+      if (n % 40 == 0) {
+        for (int q = 0; q < 20; ++q) {
+          double xlo = offset + random.uniform(900, 5100);
+          double ylo = offset + random.uniform(900, 3100);
+          if (q % 3 == 0) {  // box edges exactly on a point
+            const std::size_t k = static_cast<std::size_t>(random.uniform(0, n));
+            xlo = points[2 * k];
+            ylo = points[2 * k + 1];
+          }
+          const double size = q % 4 == 0 ? 1e-3 : random.uniform(0, 1500);
+          points_in_box(index, xlo, xlo + size, ylo, ylo + size, listed);
+          ASSERT_EQ(listed, scan(points, xlo, xlo + size, ylo, ylo + size));
+        }
+      }
+    }
+  }
+}
+
+TEST(SegmentIndex, FindsEverySegmentWithinReach) {
+  Random random(32);
+  std::vector<double> ring;
+  for (int k = 0; k < 300; ++k) {
+    const double theta = 6.283185307179586 * k / 300;
+    const double r = 1000 * (1 + 0.3 * std::sin(5 * theta) + random.uniform(0, 0.05));
+    ring.push_back(5e6 + r * std::cos(theta));
+    ring.push_back(7e6 + r * std::sin(theta));
+  }
+  ring.push_back(ring[0]);
+  ring.push_back(ring[1]);
+  const std::vector<double> hole = {5e6, 7e6, 5e6 + 50, 7e6, 5e6 + 50, 7e6 + 50, 5e6, 7e6};
+  SegmentIndex index;
+  build_segment_index(index, {ring.data(), hole.data()},
+                      {static_cast<std::int32_t>(ring.size() / 2), static_cast<std::int32_t>(hole.size() / 2)});
+  ASSERT_TRUE(index.built);
+  std::vector<std::int32_t> found;
+  for (int q = 0; q < 3000; ++q) {
+    const double x = 5e6 + random.uniform(-1500, 1500);
+    const double y = 7e6 + random.uniform(-1500, 1500);
+    const double w = random.uniform(0, 200);
+    const double reach = random.uniform(0, 300);
+    segments_near(index, x, x + w, y, y + w, reach, found);
+    for (std::size_t s = 0; 4 * s < index.ends.size(); ++s) {
+      const double* e = &index.ends[4 * s];
+      // The nearest point of the rectangle to the segment is within reach
+      // when any of these sample points is: the rectangle's points are
+      // probed on a lattice, the segment exactly.
+      bool within = false;
+      for (int i = 0; i <= 8 && !within; ++i) {
+        for (int j = 0; j <= 8 && !within; ++j) {
+          within = distance_to_segment(x + w * i / 8, y + w * j / 8, e[0], e[1], e[2], e[3]) <= reach;
+        }
+      }
+      if (within) {
+        ASSERT_TRUE(std::binary_search(found.begin(), found.end(), static_cast<std::int32_t>(s))) << s;
+      }
+    }
+  }
+}
+
+MeshPointList mesh_of(const std::vector<double>& points) {
+  MeshPointList mesh;
+  mesh.mesh_points = points;
+  mesh.mesh_point_count = static_cast<std::int32_t>(points.size() / 2);
+  return mesh;
+}
+
+TEST(MinimumSeparation, SweepGivesTheAllPairsMinimum) {
+  Random random(33);
+  for (int trial = 0; trial < 200; ++trial) {
+    std::vector<double> points;
+    const double offset = trial % 3 == 0 ? 0.0 : trial % 3 == 1 ? 1e6 : 1e7;
+    const int n = 2 + trial * 3;
+    for (int k = 0; k < n; ++k) {
+      const int kind = k % 5;
+      if (kind == 0 && k > 0 && trial % 4 == 0) {  // exact duplicates
+        points.push_back(points[0]);
+        points.push_back(points[1]);
+      } else if (kind == 1) {  // a vertical row of equal x
+        points.push_back(offset + 500);
+        points.push_back(offset + random.uniform(0, 1000));
+      } else if (kind == 2) {  // points on a line
+        const double t = random.uniform(0, 1);
+        points.push_back(offset + 1000 * t);
+        points.push_back(offset + 500 * t);
+      } else {
+        points.push_back(offset + random.uniform(0, 1000));
+        points.push_back(offset + random.uniform(0, 1000));
+      }
+    }
+    const MeshPointList mesh = mesh_of(points);
+    ASSERT_EQ(minimum_separation(mesh), minimum_separation_reference(mesh)) << trial;
+  }
+  // A lattice where many pairs tie exactly.
+  std::vector<double> lattice;
+  for (int i = 0; i < 40; ++i) {
+    for (int j = 0; j < 40; ++j) lattice.insert(lattice.end(), {1000.0 + 2.5 * i, 3000.0 + 2.5 * j});
+  }
+  EXPECT_EQ(minimum_separation(mesh_of(lattice)), minimum_separation_reference(mesh_of(lattice)));
+  EXPECT_EQ(minimum_separation(mesh_of({5, 5})), minimum_separation_reference(mesh_of({5, 5})));
+}
+
+}  // namespace
+}  // namespace tesseramill
