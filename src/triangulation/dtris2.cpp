@@ -12,12 +12,19 @@ namespace {
 
 constexpr double kTol = kTriangulationTolerance;
 
+// std::max on two doubles, by value, so that the compiler can keep the
+// chains of maxima below in registers; the same (a < b ? b : a) either way.
+inline double larger(double a, double b) { return a < b ? b : a; }
+
 bool coordinates_differ(double a, double b) {
-  const double larger = std::max(std::fabs(a), std::fabs(b));
-  return std::fabs(a - b) > kTol * larger && larger > kTol;
+  const double size = larger(std::fabs(a), std::fabs(b));
+  return std::fabs(a - b) > kTol * size && size > kTol;
 }
 
-// The working view of one call: 1-based access to points and tables.
+// The working view of one call: 1-based access to points and tables.  The
+// corners and neighbours of triangle t start at [stride (t-1)] of their
+// tables: stride 3 for the two tables of the result, or stride 6 for one
+// table that keeps a triangle's corners and neighbours side by side.
 struct Mesh {
   const double* points;
   std::int32_t* sort_index;
@@ -25,12 +32,15 @@ struct Mesh {
   std::int32_t* tri_neighbour;
   std::int32_t* stack;
   std::ostream& screen;
+  std::size_t stride = 3;
 
   const double* point(std::int32_t k) const { return points + 2 * static_cast<std::size_t>(k - 1); }
   std::int32_t& sorted(std::int32_t i) { return sort_index[i - 1]; }
-  std::int32_t& vertex(std::int32_t e, std::int32_t t) { return tri_vertex[3 * static_cast<std::size_t>(t - 1) + (e - 1)]; }
+  std::int32_t& vertex(std::int32_t e, std::int32_t t) {
+    return tri_vertex[stride * static_cast<std::size_t>(t - 1) + static_cast<std::size_t>(e - 1)];
+  }
   std::int32_t& neighbour(std::int32_t e, std::int32_t t) {
-    return tri_neighbour[3 * static_cast<std::size_t>(t - 1) + (e - 1)];
+    return tri_neighbour[stride * static_cast<std::size_t>(t - 1) + static_cast<std::size_t>(e - 1)];
   }
 };
 
@@ -59,6 +69,20 @@ std::int32_t edge_ending_at(Mesh& m, std::int32_t t, std::int32_t pivot) {
   return 2;
 }
 
+// The body of side_of_line, defined here so that the walks can take it in line.
+inline int side_choice(double x, double y, const double* a, const double* b) {
+  const double dx = b[0] - a[0];
+  const double dy = b[1] - a[1];
+  const double dxu = x - a[0];
+  const double dyu = y - a[1];
+  const double limit =
+      kTol * larger(larger(std::fabs(dx), std::fabs(dy)), larger(std::fabs(dxu), std::fabs(dyu)));
+  const double t = dy * dxu - dx * dyu;
+  if (t > limit) return 1;
+  if (t >= -limit) return 0;
+  return -1;
+}
+
 // Finds the first and last hull edges that the point sees.
 void visible_boundary_edges(Mesh& m, double x, double y, std::int32_t& ltri, std::int32_t& ledg,
                             std::int32_t& rtri, std::int32_t& redg) {
@@ -74,7 +98,7 @@ void visible_boundary_edges(Mesh& m, double x, double y, std::int32_t& ltri, std
     const std::int32_t e = l % 3 + 1;
     const std::int32_t a = m.vertex(e, t);
     const std::int32_t b = e <= 2 ? m.vertex(e + 1, t) : m.vertex(1, t);
-    if (side_of_line(x, y, m.point(a), m.point(b)) != 1) break;
+    if (side_choice(x, y, m.point(a), m.point(b)) != 1) break;
     rtri = t;
     redg = e;
   }
@@ -89,7 +113,7 @@ void visible_boundary_edges(Mesh& m, double x, double y, std::int32_t& ltri, std
       e = edge_ending_at(m, t, b);
     }
     const std::int32_t a = m.vertex(e, t);
-    if (side_of_line(x, y, m.point(a), m.point(b)) != 1) break;
+    if (side_choice(x, y, m.point(a), m.point(b)) != 1) break;
   }
   ltri = t;
   ledg = e;
@@ -113,6 +137,32 @@ void store_hull_link(Mesh& m, std::int32_t t, std::int32_t e, std::int32_t pivot
     e = edge_ending_at(m, t, pivot);
   }
   m.neighbour(e, t) = link;
+}
+
+// The body of diagonal_test, defined here so that the swap loop can take it
+// in line.
+inline int diagonal_choice(const double* p0, const double* p1, const double* p2, const double* p3) {
+  const double dx10 = p1[0] - p0[0];
+  const double dy10 = p1[1] - p0[1];
+  const double dx12 = p1[0] - p2[0];
+  const double dy12 = p1[1] - p2[1];
+  const double dx30 = p3[0] - p0[0];
+  const double dy30 = p3[1] - p0[1];
+  const double dx32 = p3[0] - p2[0];
+  const double dy32 = p3[1] - p2[1];
+  const double tola = kTol * larger(larger(std::fabs(dx10), std::fabs(dy10)),
+                                      larger(std::fabs(dx30), std::fabs(dy30)));
+  const double tolb = kTol * larger(larger(std::fabs(dx12), std::fabs(dy12)),
+                                      larger(std::fabs(dx32), std::fabs(dy32)));
+  const double ca = dx10 * dx30 + dy10 * dy30;
+  const double cb = dx12 * dx32 + dy12 * dy32;
+  if (ca > tola && cb > tolb) return -1;
+  if (ca < -tola && cb < -tolb) return 1;
+  const double tol2 = larger(tola, tolb);
+  const double s = (dx10 * dy30 - dx30 * dy10) * cb + (dx32 * dy12 - dx12 * dy32) * ca;
+  if (s > tol2) return -1;
+  if (s < -tol2) return 1;
+  return 0;
 }
 
 int SWAPEC(Mesh& m, std::int32_t i, std::int32_t& top, std::int32_t maxst, std::int32_t& btri,
@@ -147,7 +197,7 @@ int SWAPEC(Mesh& m, std::int32_t i, std::int32_t& top, std::int32_t maxst, std::
       f = 3;
       c = m.vertex(2, u);
     }
-    if (diagonal_test(pi, m.point(a), m.point(c), m.point(b)) != 1) continue;
+    if (diagonal_choice(pi, m.point(a), m.point(c), m.point(b)) != 1) continue;
 
     const std::int32_t em1 = I4_MODP(e - 2, 3) + 1;
     const std::int32_t ep1 = I4_MODP(e, 3) + 1;
@@ -232,41 +282,10 @@ bool points_less(const double* a, const double* b) {
   return false;
 }
 
-int side_of_line(double x, double y, const double* a, const double* b) {
-  const double dx = b[0] - a[0];
-  const double dy = b[1] - a[1];
-  const double dxu = x - a[0];
-  const double dyu = y - a[1];
-  const double limit =
-      kTol * std::max(std::max(std::fabs(dx), std::fabs(dy)), std::max(std::fabs(dxu), std::fabs(dyu)));
-  const double t = dy * dxu - dx * dyu;
-  if (t > limit) return 1;
-  if (t >= -limit) return 0;
-  return -1;
-}
+int side_of_line(double x, double y, const double* a, const double* b) { return side_choice(x, y, a, b); }
 
 int diagonal_test(const double* p0, const double* p1, const double* p2, const double* p3) {
-  const double dx10 = p1[0] - p0[0];
-  const double dy10 = p1[1] - p0[1];
-  const double dx12 = p1[0] - p2[0];
-  const double dy12 = p1[1] - p2[1];
-  const double dx30 = p3[0] - p0[0];
-  const double dy30 = p3[1] - p0[1];
-  const double dx32 = p3[0] - p2[0];
-  const double dy32 = p3[1] - p2[1];
-  const double tola = kTol * std::max(std::max(std::fabs(dx10), std::fabs(dy10)),
-                                      std::max(std::fabs(dx30), std::fabs(dy30)));
-  const double tolb = kTol * std::max(std::max(std::fabs(dx12), std::fabs(dy12)),
-                                      std::max(std::fabs(dx32), std::fabs(dy32)));
-  const double ca = dx10 * dx30 + dy10 * dy30;
-  const double cb = dx12 * dx32 + dy12 * dy32;
-  if (ca > tola && cb > tolb) return -1;
-  if (ca < -tola && cb < -tolb) return 1;
-  const double tol2 = std::max(tola, tolb);
-  const double s = (dx10 * dy30 - dx30 * dy10) * cb + (dx32 * dy12 - dx12 * dy32) * ca;
-  if (s > tol2) return -1;
-  if (s < -tol2) return 1;
-  return 0;
+  return diagonal_choice(p0, p1, p2, p3);
 }
 
 std::int32_t I4_MODP(std::int32_t i, std::int32_t j) {
@@ -275,19 +294,23 @@ std::int32_t I4_MODP(std::int32_t i, std::int32_t j) {
   return value;
 }
 
-int DTRIS2(std::int32_t n, const double* points, std::int32_t* sort_index, std::int32_t& triangle_count,
-           std::int32_t* tri_vertex, std::int32_t* tri_neighbour, std::int32_t* stack, std::ostream& screen) {
-  Mesh m{points, sort_index, tri_vertex, tri_neighbour, stack, screen};
-  triangle_count = 0;
+namespace {
 
-  if (n >= 2) {
-    for (std::int32_t l = n / 2; l >= 1; --l) sift_down(m, l, n);
-    for (std::int32_t i = n; i >= 2; --i) {
-      std::swap(m.sorted(1), m.sorted(i));
-      sift_down(m, 1, i - 1);
-    }
+// The heap sort of sort_index by points_less.
+void heap_sort(Mesh& m, std::int32_t n) {
+  if (n < 2) return;
+  for (std::int32_t l = n / 2; l >= 1; --l) sift_down(m, l, n);
+  for (std::int32_t i = n; i >= 2; --i) {
+    std::swap(m.sorted(1), m.sorted(i));
+    sift_down(m, 1, i - 1);
   }
+}
 
+// Everything after the sort: the duplicate test, the first fan and the
+// insertion of each further point in sorted order.
+int triangulate_sorted(Mesh& m, std::int32_t n, std::int32_t& triangle_count) {
+  std::ostream& screen = m.screen;
+  triangle_count = 0;
   for (std::int32_t i = 2; i <= n; ++i) {
     const double* p = m.point(m.sorted(i - 1));
     const double* q = m.point(m.sorted(i));
@@ -304,7 +327,7 @@ int DTRIS2(std::int32_t n, const double* points, std::int32_t* sort_index, std::
     const double* m2 = m.point(m.sorted(2));
     for (; j <= n; ++j) {
       const double* pm = m.point(m.sorted(j));
-      side = side_of_line(pm[0], pm[1], m1, m2);
+      side = side_choice(pm[0], pm[1], m1, m2);
       if (side != 0) break;
     }
   }
@@ -326,7 +349,7 @@ int DTRIS2(std::int32_t n, const double* points, std::int32_t* sort_index, std::
     std::int32_t redg;
     const std::int32_t a = m.vertex(ledg, ltri);
     const std::int32_t b = ledg <= 2 ? m.vertex(ledg + 1, ltri) : m.vertex(1, ltri);
-    if (side_of_line(x, y, m.point(a), m.point(b)) == 1) {
+    if (side_choice(x, y, m.point(a), m.point(b)) == 1) {
       rtri = ltri;
       redg = ledg;
       ltri = 0;
@@ -376,6 +399,106 @@ int DTRIS2(std::int32_t n, const double* points, std::int32_t* sort_index, std::
     }
   }
   return 0;
+}
+
+// Sorts sort_index (1..n on entry) as the heap sort would, by a faster sort
+// wherever that provably gives the same order; false when the heap sort must
+// decide.
+//
+// Why the order is the same.  The points are first sorted exactly by x, then
+// y, and gathered into runs of neighbours whose x the tolerant rule calls
+// equal.  Whether the rule calls two x equal changes only once as the second
+// grows away from the first (the gap grows faster than the tolerance), so it
+// is enough to check that the distinct x of a run are equal by the rule two
+// by two and each differs from the first x of the next run: then the runs
+// are the classes of x that the rule calls equal, and points_less orders
+// points of different runs by x, exactly as the sort did.  Within a run it
+// orders by y alone; each run is sorted exactly by y, and when each two
+// neighbours there differ by the rule, all its y do (two values a < b < c
+// whose neighbours differ by the rule differ themselves), so points_less
+// agrees there too.  It is then
+// a strict total order on these points, and every correct sort, the heap
+// sort among them, gives its one sorted order.  Values that are no numbers,
+// x equal by the rule across runs, or y equal by the rule within one, leave
+// it to the heap sort.
+bool sort_exactly(const double* points, std::int32_t n, std::int32_t* sort_index, std::vector<Dtris2Key>& keys) {
+  keys.resize(static_cast<std::size_t>(n));
+  for (std::int32_t k = 0; k < n; ++k) {
+    const double x = points[2 * static_cast<std::size_t>(k)];
+    const double y = points[2 * static_cast<std::size_t>(k) + 1];
+    if (!std::isfinite(x) || !std::isfinite(y)) return false;
+    keys[static_cast<std::size_t>(k)] = {x, y, k + 1};
+  }
+  std::sort(keys.begin(), keys.end(), [](const Dtris2Key& a, const Dtris2Key& b) {
+    return a.x < b.x || (a.x == b.x && a.y < b.y);
+  });
+  const std::size_t count = keys.size();
+  std::size_t first = 0;
+  while (first < count) {
+    std::size_t end = first + 1;
+    while (end < count && !coordinates_differ(keys[end - 1].x, keys[end].x)) ++end;
+    for (std::size_t a = first; a < end; ++a) {
+      if (a > first && keys[a].x == keys[a - 1].x) continue;  // each distinct x once
+      for (std::size_t b = a + 1; b < end; ++b) {
+        if (keys[b].x != keys[b - 1].x && coordinates_differ(keys[a].x, keys[b].x)) return false;
+      }
+      if (end < count && !coordinates_differ(keys[a].x, keys[end].x)) return false;
+    }
+    if (end - first > 1) {
+      std::sort(keys.begin() + static_cast<std::ptrdiff_t>(first), keys.begin() + static_cast<std::ptrdiff_t>(end),
+                [](const Dtris2Key& a, const Dtris2Key& b) { return a.y < b.y; });
+      for (std::size_t a = first + 1; a < end; ++a) {
+        if (!coordinates_differ(keys[a - 1].y, keys[a].y)) return false;
+      }
+    }
+    first = end;
+  }
+  for (std::int32_t k = 0; k < n; ++k) sort_index[k] = keys[static_cast<std::size_t>(k)].index;
+  return true;
+}
+
+}  // namespace
+
+int DTRIS2_reference(std::int32_t n, const double* points, std::int32_t* sort_index, std::int32_t& triangle_count,
+                     std::int32_t* tri_vertex, std::int32_t* tri_neighbour, std::int32_t* stack, std::ostream& screen) {
+  Mesh m{points, sort_index, tri_vertex, tri_neighbour, stack, screen};
+  heap_sort(m, n);
+  return triangulate_sorted(m, n, triangle_count);
+}
+
+int DTRIS2(std::int32_t n, const double* points, std::int32_t* sort_index, std::int32_t& triangle_count,
+           std::int32_t* tri_vertex, std::int32_t* tri_neighbour, std::int32_t* stack, std::ostream& screen,
+           Dtris2Workspace& work) {
+  if (!sort_exactly(points, n, sort_index, work.keys)) {
+    Mesh by_number{points, sort_index, tri_vertex, tri_neighbour, stack, screen};
+    heap_sort(by_number, n);
+  }
+  // The points copied into sorted order and numbered 1..n in it, so that
+  // each insertion reads its neighbours from nearby memory.  The steps look
+  // at coordinates and compare point numbers only for equality, so the
+  // numbering changes no decision; the numbers are put back at the end.
+  work.sorted_points.resize(2 * static_cast<std::size_t>(n));
+  work.identity.resize(static_cast<std::size_t>(n));
+  work.triangles.resize(12 * static_cast<std::size_t>(std::max(n, 2)));
+  for (std::int32_t k = 0; k < n; ++k) {
+    const std::size_t from = 2 * static_cast<std::size_t>(sort_index[k] - 1);
+    work.sorted_points[2 * static_cast<std::size_t>(k)] = points[from];
+    work.sorted_points[2 * static_cast<std::size_t>(k) + 1] = points[from + 1];
+    work.identity[static_cast<std::size_t>(k)] = k + 1;
+  }
+  // Each triangle's corners and neighbours side by side, as the walks and
+  // swaps read them together; copied into the two tables at the end.
+  Mesh m{work.sorted_points.data(), work.identity.data(), work.triangles.data(), work.triangles.data() + 3,
+         stack, screen, 6};
+  const int ierror = triangulate_sorted(m, n, triangle_count);
+  for (std::size_t t = 0; t < static_cast<std::size_t>(triangle_count); ++t) {
+    const std::int32_t* from = &work.triangles[6 * t];
+    for (std::size_t e = 0; e < 3; ++e) {
+      tri_vertex[3 * t + e] = sort_index[from[e] - 1];
+      tri_neighbour[3 * t + e] = from[3 + e];
+    }
+  }
+  return ierror;
 }
 
 }  // namespace tesseramill

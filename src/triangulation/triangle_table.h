@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "triangulation/dtris2.h"
+
 namespace tesseramill {
 
 struct TriangleTable {
@@ -31,6 +33,7 @@ struct TriangleTable {
   std::int32_t smallest_tri_count = 0;
 
   std::vector<std::int32_t> stack;        // DTRIS2's swap stack
+  Dtris2Workspace dtris2;                 // DTRIS2's sort keys and sorted points
   std::vector<std::int32_t> column_fill;  // scratch: entries so far in each column
 };
 

@@ -166,8 +166,13 @@ void triangulate_points(RunState& state) {
     create_tables(state, n);
   }
   std::iota(tt.sort_index.begin(), tt.sort_index.end(), 1);
-  const int ierror = DTRIS2(n, state.mesh.mesh_points.data(), tt.sort_index.data(), tt.triangle_count,
-                            tt.tri_vertex.data(), tt.tri_neighbour.data(), tt.stack.data(), screen);
+  const double* points = state.mesh.mesh_points.data();
+  const int ierror =
+      state.reference_paths
+          ? DTRIS2_reference(n, points, tt.sort_index.data(), tt.triangle_count, tt.tri_vertex.data(),
+                             tt.tri_neighbour.data(), tt.stack.data(), screen)
+          : DTRIS2(n, points, tt.sort_index.data(), tt.triangle_count, tt.tri_vertex.data(), tt.tri_neighbour.data(),
+                   tt.stack.data(), screen, tt.dtris2);
   if (ierror != 0) fail(state, "Exit from subroutine DTRIS2: IERROR=" + int_to_text(ierror) + ".");
   if (first_pass) {
     screen << " - " << tt.triangle_count << " triangles generated\n";

@@ -9,6 +9,7 @@
 
 #include "triangulation/dtris2.h"
 #include "triangulation/triangulate_points.h"
+#include "support/random.h"
 
 namespace tesseramill {
 namespace {
@@ -30,7 +31,7 @@ struct Triangulation {
   double y(std::int32_t k) const { return points[2 * (k - 1) + 1]; }
 };
 
-Triangulation triangulate(const std::vector<double>& points) {
+Triangulation triangulate_once(const std::vector<double>& points, bool reference) {
   Triangulation tr;
   tr.points = points;
   const std::int32_t n = tr.n();
@@ -40,9 +41,29 @@ Triangulation triangulate(const std::vector<double>& points) {
   tr.neighbour.assign(6 * static_cast<std::size_t>(std::max(n, 2)), 0);
   tr.stack.assign(static_cast<std::size_t>(std::max(n, 1)), 0);
   std::ostringstream screen;
-  tr.ierror = DTRIS2(n, tr.points.data(), tr.sort_index.data(), tr.count, tr.vertex.data(),
-                     tr.neighbour.data(), tr.stack.data(), screen);
+  Dtris2Workspace work;
+  tr.ierror = reference ? DTRIS2_reference(n, tr.points.data(), tr.sort_index.data(), tr.count, tr.vertex.data(),
+                                           tr.neighbour.data(), tr.stack.data(), screen)
+                        : DTRIS2(n, tr.points.data(), tr.sort_index.data(), tr.count, tr.vertex.data(),
+                                 tr.neighbour.data(), tr.stack.data(), screen, work);
   tr.screen = screen.str();
+  return tr;
+}
+
+// The literal routine's triangulation; on every input the fast routine must
+// give the same code, screen, order and tables.
+Triangulation triangulate(const std::vector<double>& points) {
+  const Triangulation tr = triangulate_once(points, true);
+  const Triangulation fast = triangulate_once(points, false);
+  EXPECT_EQ(fast.ierror, tr.ierror);
+  EXPECT_EQ(fast.screen, tr.screen);
+  if (tr.ierror == 0) {
+    EXPECT_EQ(fast.sort_index, tr.sort_index);
+    EXPECT_EQ(fast.count, tr.count);
+    const std::size_t used = 3 * static_cast<std::size_t>(tr.count);
+    EXPECT_TRUE(std::equal(tr.vertex.begin(), tr.vertex.begin() + used, fast.vertex.begin()));
+    EXPECT_TRUE(std::equal(tr.neighbour.begin(), tr.neighbour.begin() + used, fast.neighbour.begin()));
+  }
   return tr;
 }
 
@@ -285,6 +306,74 @@ TEST(TriangleCircumcentre, FlatTriangleIsDegenerateNotCollapsed) {
   EXPECT_EQ(c.radius, -1.0);
   EXPECT_EQ(c.centre_x, 0.0);
   EXPECT_EQ(c.centre_y, 0.0);
+}
+
+}  // namespace
+}  // namespace tesseramill
+
+namespace tesseramill {
+namespace {
+
+// The fast DTRIS2 gives the literal routine's code, order and tables on
+// seeded sets of every kind: triangulate() compares the two on each.
+TEST(Dtris2, FastRoutineAgreesWithTheLiteralOneOnManySets) {
+  tesseramill_test::Random random(61);
+  for (int trial = 0; trial < 300; ++trial) {
+    const double offset = trial % 3 == 0 ? 0.0 : trial % 3 == 1 ? 1e6 : 7e6;
+    const int n = 3 + trial * 5;
+    std::vector<double> points;
+    for (int k = 0; k < n; ++k) {
+      switch ((trial + k) % 6) {
+        case 0:  // an exact lattice: equal x, equal y, cocircular quadruples
+          points.push_back(offset + 10.0 * (k % 7));
+          points.push_back(offset + 10.0 * (k / 7) + 0.25);
+          break;
+        case 1:  // x a few units in the last place apart, within the
+                 // tolerance, so that only y may order them; y apart
+          points.push_back(offset + 500.0 * (1.0 + 1e-15 * (k / 6 % 4)));
+          points.push_back(offset + random.uniform(0, 1000));
+          break;
+        default:
+          points.push_back(offset + random.uniform(0, 1000));
+          points.push_back(offset + random.uniform(0, 1000));
+          break;
+      }
+    }
+    if (trial % 10 == 9) {  // a near-duplicate within the tolerance: 224
+      points.push_back(points[0] * (1.0 + 1e-16));
+      points.push_back(points[1]);
+    }
+    SCOPED_TRACE("trial " + std::to_string(trial));
+    triangulate(points);
+  }
+}
+
+TEST(Dtris2, FastRoutineAgreesOnCollinearSetsAndTinyCoordinates) {
+  SCOPED_TRACE("collinear");
+  triangulate({0, 0, 1, 1, 2, 2, 3, 3, 4, 4});
+  SCOPED_TRACE("two points");
+  triangulate({0, 0, 1, 1});
+  SCOPED_TRACE("below the tolerance");
+  triangulate({1e-15, 0, 0, 1e-15, 1, 1, 2, 0});
+  SCOPED_TRACE("a vertical row");
+  triangulate({5, 0, 5, 3, 5, 1, 5, 2, 6, 1});
+}
+
+TEST(Dtris2, FastRoutineAgreesWhateverTheOrderOfTheInput) {
+  tesseramill_test::Random random(62);
+  std::vector<double> points;
+  for (int k = 0; k < 400; ++k) {
+    points.push_back(1e6 + std::round(random.uniform(0, 40)));
+    points.push_back(2e6 + std::round(random.uniform(0, 40)) + 0.5 * (k % 2));
+  }
+  for (int shuffle = 0; shuffle < 5; ++shuffle) {
+    for (std::size_t k = points.size() / 2 - 1; k > 0; --k) {
+      const std::size_t j = static_cast<std::size_t>(random.uniform(0, static_cast<double>(k + 1)));
+      std::swap(points[2 * k], points[2 * j]);
+      std::swap(points[2 * k + 1], points[2 * j + 1]);
+    }
+    triangulate(points);
+  }
 }
 
 }  // namespace
