@@ -96,18 +96,65 @@ bool any_candidate_in_domain(const RunState& state, const Grid& g) {
   return false;
 }
 
-// Strikes the candidates that a listed point lies too close to, row by row:
-// a row sees only the points within the largest clearance of it, and a
-// candidate only those of them within that clearance in x, taken from the
-// points sorted by x.
-void strike_near_points(RunState& state, FastEmplacement& f, const Grid& g) {
+// Strikes at once the candidates of the square inscribed in each listed
+// point's disc of sure strikes.  The squared distance as the literal step
+// rounds it grows with the rounded dx * dx and dy * dy, and each of those is
+// largest at an end of its range of columns or rows, so over a rectangle of
+// candidates it is largest at one of the four corners: when all four lie
+// closer than the smallest clearance, every candidate between does.
+void strike_squares(FastEmplacement& f, const Grid& g, double h, double x0, double y0, double limit_lo) {
+  if (!(limit_lo > 0.0)) return;
+  const double half_side = std::sqrt(limit_lo) * 0.7071;
+  auto first_index = [&](double from, double origin) {
+    return std::max<double>(-g.half, std::ceil((from - origin) / h));
+  };
+  auto last_index = [&](double to, double origin) { return std::min<double>(g.half, std::floor((to - origin) / h)); };
+  for (std::size_t p = 0; p < f.near_x.size(); ++p) {
+    const double px = f.near_x[p];
+    const double py = f.near_y[p];
+    const double k0 = first_index(px - half_side, x0);
+    const double k1 = last_index(px + half_side, x0);
+    const double j0 = first_index(py - half_side, y0);
+    const double j1 = last_index(py + half_side, y0);
+    if (!(k0 <= k1 && j0 <= j1)) continue;
+    const std::int32_t klo = static_cast<std::int32_t>(k0);
+    const std::int32_t khi = static_cast<std::int32_t>(k1);
+    const std::int32_t jlo = static_cast<std::int32_t>(j0);
+    const std::int32_t jhi = static_cast<std::int32_t>(j1);
+    bool inside = true;
+    for (std::int32_t k : {klo, khi}) {
+      for (std::int32_t j : {jlo, jhi}) {
+        const double dx = g.x(k) - px;
+        const double dy = g.y(j) - py;
+        if (!(limit_lo > dx * dx + dy * dy)) inside = false;
+      }
+    }
+    if (!inside) continue;
+    for (std::int32_t j = jlo; j <= jhi; ++j) {
+      std::fill_n(f.open.begin() + static_cast<std::ptrdiff_t>(g.at(klo, j)), khi - klo + 1, std::uint8_t{0});
+    }
+  }
+}
+
+// Strikes the candidates that a listed point lies too close to: first whole
+// squares of sure strikes, then the rest row by row, where a row sees only
+// the points within the largest clearance of it, and a candidate only those
+// of them within that clearance in x, taken from the points sorted by x.
+void strike_near_points(RunState& state, FastEmplacement& f, const Grid& g, double h, double x0, double y0) {
   const double limit_lo = clearance(f.field.lo);
   const double limit_hi = clearance(f.field.hi);
+  strike_squares(f, g, h, x0, y0, limit_lo);
   // A point farther than `window` in x has dx * dx above limit_hi, and its
   // squared distance too, since adding dy * dy cannot lower a rounded sum;
   // the window is taken generously, as the comparisons inside it are exact.
   const double window = std::sqrt(limit_hi) * 1.001 + 1e-9 * (std::fabs(g.x(-g.half)) + std::fabs(g.x(g.half)));
   for (std::int32_t j = -g.half; j <= g.half; ++j) {
+    const std::size_t row_start = g.at(-g.half, j);
+    if (std::find(f.open.begin() + static_cast<std::ptrdiff_t>(row_start),
+                  f.open.begin() + static_cast<std::ptrdiff_t>(row_start) + g.nsdim, std::uint8_t{1}) ==
+        f.open.begin() + static_cast<std::ptrdiff_t>(row_start) + g.nsdim) {
+      continue;  // the whole row is struck already
+    }
     const double y = g.y(j);
     f.row_x.clear();
     f.row_dy2.clear();
@@ -121,6 +168,7 @@ void strike_near_points(RunState& state, FastEmplacement& f, const Grid& g) {
     }
     std::size_t first = 0;
     for (std::int32_t k = -g.half; k <= g.half; ++k) {
+      if (f.open[g.at(k, j)] == 0) continue;
       const double x = g.x(k);
       while (first < f.row_x.size() && f.row_x[first] < x - window) ++first;
       bool struck = false;
@@ -296,8 +344,9 @@ bool choose_from_seed_fast(RunState& state, std::int32_t seed, double& x, double
   const double sep = local_separation(state, x0, y0, growth);
   double box = sep;
   int domain = kMixed;
+  double h = 0.0;
   for (;;) {
-    const double h = box * 3.0 / nsdim;
+    h = box * 3.0 / nsdim;
     // A grid that is no longer finite has no rectangle to bound or index.
     if (!std::isfinite(h) || !std::isfinite(x0) || !std::isfinite(y0) || !(h > 0.0)) {
       return choose_from_seed_reference(state, seed, x, y);
@@ -335,7 +384,7 @@ bool choose_from_seed_fast(RunState& state, std::int32_t seed, double& x, double
     f.near_y.push_back(mesh.mesh_points[2 * static_cast<std::size_t>(p - 1) + 1]);
   }
 
-  strike_near_points(state, f, g);
+  strike_near_points(state, f, g, h, x0, y0);
   strike_near_segments(state, f, g);
   if (domain != kInside) {
     for (std::int32_t j = -g.half; j <= g.half; ++j) {
@@ -344,15 +393,22 @@ bool choose_from_seed_fast(RunState& state, std::int32_t seed, double& x, double
       }
     }
   }
-  // Isolated candidates inside the rim, twice, exactly as the literal step.
+  // Isolated candidates inside the rim, twice, exactly as the literal step;
+  // only open candidates can change, so the passes visit those alone, in
+  // scan order, and a strike still counts at once for the ones after it.
+  f.open_list.clear();
+  for (std::int32_t j = -g.half + 1; j <= g.half - 1; ++j) {
+    for (std::int32_t k = -g.half + 1; k <= g.half - 1; ++k) {
+      if (f.open[g.at(k, j)] != 0) f.open_list.push_back((j + g.half) * g.nsdim + (k + g.half));
+    }
+  }
   for (int pass = 0; pass < 2; ++pass) {
-    for (std::int32_t j = -g.half + 1; j <= g.half - 1; ++j) {
-      for (std::int32_t k = -g.half + 1; k <= g.half - 1; ++k) {
-        if (f.open[g.at(k, j)] == 0) continue;
-        if (f.open[g.at(k - 1, j)] == 0 && f.open[g.at(k + 1, j)] == 0 && f.open[g.at(k, j - 1)] == 0 &&
-            f.open[g.at(k, j + 1)] == 0) {
-          f.open[g.at(k, j)] = 0;
-        }
+    for (std::int32_t c : f.open_list) {
+      const std::size_t at = static_cast<std::size_t>(c);
+      const std::size_t row = static_cast<std::size_t>(g.nsdim);
+      if (f.open[at] == 0) continue;
+      if (f.open[at - 1] == 0 && f.open[at + 1] == 0 && f.open[at - row] == 0 && f.open[at + row] == 0) {
+        f.open[at] = 0;
       }
     }
   }

@@ -14,14 +14,20 @@ namespace {
 // Up to this many vertex numbers stand on one cell line.
 constexpr std::int32_t kNumbersPerLine = 1000;
 
+// Appends one vertex line to `text`.
+void append_vertex_line(std::string& text, std::int32_t number, double x, double y) {
+  append_integer(text, number, 10);
+  text += "  ";
+  append_scientific(text, x, 16, 9);
+  text += "  ";
+  append_scientific(text, y, 16, 9);
+  text += '\n';
+}
+
 void vertex_line(OutputFile& out, std::string& line, std::int32_t number, double x, double y) {
   line.clear();
-  append_integer(line, number, 10);
-  line += "  ";
-  append_scientific(line, x, 16, 9);
-  line += "  ";
-  append_scientific(line, y, 16, 9);
-  put_line(out, line);
+  append_vertex_line(line, number, x, y);
+  put_text(out, line);
 }
 
 void ring_vertex_lines(OutputFile& out, std::string& line, const RunState& state, const BoundaryRing& ring,
@@ -104,42 +110,36 @@ void write_disv_file(RunState& state, const GridVertices& grid) {
   ring_vertex_lines(out, line, state, state.outer_boundary, number);
   for (const BoundaryRing& ring : state.inner_boundaries) ring_vertex_lines(out, line, state, ring, number);
   const TriangleTable& tt = state.triangles;
-  for (std::int32_t t = 0; t < tt.triangle_count; ++t) {
-    if (grid.triangle_use_count[static_cast<std::size_t>(t)] == 0) continue;
-    vertex_line(out, line, grid.triangle_vertex_number[static_cast<std::size_t>(t)],
-                (tt.tri_centroid[2 * static_cast<std::size_t>(t)] - c.xorigin) + state.x_offset,
-                (tt.tri_centroid[2 * static_cast<std::size_t>(t) + 1] - c.yorigin) + state.y_offset);
-  }
+  put_items(out, static_cast<std::size_t>(tt.triangle_count), [&](std::size_t t, std::string& text) {
+    if (grid.triangle_use_count[t] == 0) return;
+    append_vertex_line(text, grid.triangle_vertex_number[t], (tt.tri_centroid[2 * t] - c.xorigin) + state.x_offset,
+                       (tt.tri_centroid[2 * t + 1] - c.yorigin) + state.y_offset);
+  });
   put_line(out, "END VERTICES");
   put_line(out, " ");
 
   put_line(out, "BEGIN CELL2D");
   const CellTables& cells = state.cells;
-  for (std::int32_t icpl = 1; icpl <= ncpl; ++icpl) {
-    const std::size_t k = static_cast<std::size_t>(icpl - 1);
+  put_items(out, static_cast<std::size_t>(ncpl), [&](std::size_t k, std::string& text) {
     const std::int32_t m = cells.cell_vertex_count[k];
     const std::size_t first = static_cast<std::size_t>(cells.cell_first_vertex[k] - 1);
-    line.clear();
-    append_integer(line, icpl, 10);
-    line += "  ";
-    append_scientific(line, (cells.cell_centroid[2 * k] - c.xorigin) + state.x_offset, 0, 15);
-    line += "  ";
-    append_scientific(line, (cells.cell_centroid[2 * k + 1] - c.yorigin) + state.y_offset, 0, 15);
-    append_integer(line, m, 5);
+    append_integer(text, static_cast<std::int64_t>(k + 1), 10);
+    text += "  ";
+    append_scientific(text, (cells.cell_centroid[2 * k] - c.xorigin) + state.x_offset, 0, 15);
+    text += "  ";
+    append_scientific(text, (cells.cell_centroid[2 * k + 1] - c.yorigin) + state.y_offset, 0, 15);
+    append_integer(text, m, 5);
     // Clockwise, as MODFLOW 6 demands: stored order when the area is
     // negative, reversed otherwise.
     const bool reverse = !(cells.cell_area[k] < 0.0);
     for (std::int32_t j = 0; j < m; ++j) {
-      if (j > 0 && j % kNumbersPerLine == 0) {
-        put_line(out, line);
-        line.clear();
-      }
+      if (j > 0 && j % kNumbersPerLine == 0) text += '\n';
       const std::int32_t code = cells.cell_vertex_code[first + static_cast<std::size_t>(reverse ? m - 1 - j : j)];
       const std::int32_t vertex = code > 0 ? grid.triangle_vertex_number[static_cast<std::size_t>(code - 1)] : -code;
-      append_integer(line, vertex, 7);
+      append_integer(text, vertex, 7);
     }
-    put_line(out, line);
-  }
+    text += '\n';
+  });
   put_line(out, "END CELL2D");
   close_output(out);
   *state.screen << " - file " << out.name << " written ok.\n";

@@ -23,11 +23,10 @@ void append_coordinates(std::string& line, double x, double y) {
   append_fixed(line, y, 15, 3);
 }
 
-// Writes one coordinate line, reusing `line` as the buffer.
-void put_coordinates(OutputFile& out, std::string& line, double x, double y) {
-  line.clear();
-  append_coordinates(line, x, y);
-  put_line(out, line);
+// One coordinate line.
+void coordinate_line(std::string& text, double x, double y) {
+  append_coordinates(text, x, y);
+  text += '\n';
 }
 
 }  // namespace
@@ -44,35 +43,34 @@ void write_triangle_map_files(RunState& state) {
   }
   const TriangleTable& tt = state.triangles;
   const std::vector<double>& p = state.mesh.mesh_points;
-  std::string line;
-  for (std::int32_t t = 1; t <= tt.triangle_count; ++t) {
-    const std::size_t k = static_cast<std::size_t>(t - 1);
-    if (tt.itstat[k] == -1) continue;
-    put_line(mif, " ");
-    put_line(mif, "Region 1");
-    put_line(mif, "   3");
+  const std::size_t triangles = static_cast<std::size_t>(tt.triangle_count);
+  // A triangle outside the domain has no lines in either file.
+  put_items(mif, triangles, [&](std::size_t k, std::string& text) {
+    if (tt.itstat[k] == -1) return;
+    text += " \nRegion 1\n   3\n";
     double corner[3][2];
     for (int e = 0; e < 3; ++e) {
       const std::size_t v = static_cast<std::size_t>(tt.tri_vertex[3 * k + static_cast<std::size_t>(e)] - 1);
       corner[e][0] = p[2 * v];
       corner[e][1] = p[2 * v + 1];
-      put_coordinates(mif, line, corner[e][0] + state.x_offset, corner[e][1] + state.y_offset);
+      coordinate_line(text, corner[e][0] + state.x_offset, corner[e][1] + state.y_offset);
     }
     const double cx = (corner[0][0] + corner[1][0] + corner[2][0]) * 0.3333333333333333 + state.x_offset;
     const double cy = (corner[0][1] + corner[1][1] + corner[2][1]) * 0.3333333333333333 + state.y_offset;
-    line = "Center";
-    append_coordinates(line, cx, cy);
-    put_line(mif, line);
-    line.clear();
-    append_integer(line, t, 6);
+    text += "Center";
+    coordinate_line(text, cx, cy);
+  });
+  put_items(mid, triangles, [&](std::size_t k, std::string& text) {
+    if (tt.itstat[k] == -1) return;
+    append_integer(text, static_cast<std::int64_t>(k + 1), 6);
     for (int e = 0; e < 3; ++e) {
-      line += ",";
-      append_integer(line, tt.tri_neighbour[3 * k + static_cast<std::size_t>(e)], 6);
+      text += ",";
+      append_integer(text, tt.tri_neighbour[3 * k + static_cast<std::size_t>(e)], 6);
     }
-    line += ",";
-    append_integer(line, tt.itstat[k], 6);
-    put_line(mid, line);
-  }
+    text += ",";
+    append_integer(text, tt.itstat[k], 6);
+    text += '\n';
+  });
 }
 
 void write_polygon_map_files(RunState& state) {
@@ -85,59 +83,49 @@ void write_polygon_map_files(RunState& state) {
     put_line(mif, head);
   }
   const CellTables& cells = state.cells;
-  std::string line;
-  for (std::int32_t icpl = 1; icpl <= state.mesh.mesh_point_count; ++icpl) {
-    const std::size_t k = static_cast<std::size_t>(icpl - 1);
+  const std::size_t count = static_cast<std::size_t>(state.mesh.mesh_point_count);
+  put_items(mif, count, [&](std::size_t k, std::string& text) {
     const std::int32_t m = cells.cell_vertex_count[k];
     const std::size_t first = static_cast<std::size_t>(cells.cell_first_vertex[k] - 1);
-    put_line(mif, " ");
-    put_line(mif, "Region 1");
-    line.clear();
-    append_integer(line, m + 1, 6);
-    line += ", ";
-    put_line(mif, line);
+    text += " \nRegion 1\n";
+    append_integer(text, m + 1, 6);
+    text += ", \n";
     for (std::int32_t j = 0; j <= m; ++j) {
       const std::size_t c = first + static_cast<std::size_t>(j == m ? 0 : j);
-      put_coordinates(mif, line, cells.cell_vertices[2 * c] + state.x_offset,
-                      cells.cell_vertices[2 * c + 1] + state.y_offset);
+      coordinate_line(text, cells.cell_vertices[2 * c] + state.x_offset, cells.cell_vertices[2 * c + 1] + state.y_offset);
     }
-    line = "Center";
-    append_coordinates(line, cells.cell_centroid[2 * k] + state.x_offset,
-                       cells.cell_centroid[2 * k + 1] + state.y_offset);
-    put_line(mif, line);
-    line.clear();
-    append_integer(line, icpl, 6);
-    line += ", ";
-    append_scientific(line, std::fabs(cells.cell_area[k]), 16, 9);
-    put_line(mid, line);
-  }
+    text += "Center";
+    coordinate_line(text, cells.cell_centroid[2 * k] + state.x_offset, cells.cell_centroid[2 * k + 1] + state.y_offset);
+  });
+  put_items(mid, count, [&](std::size_t k, std::string& text) {
+    append_integer(text, static_cast<std::int64_t>(k + 1), 6);
+    text += ", ";
+    append_scientific(text, std::fabs(cells.cell_area[k]), 16, 9);
+    text += '\n';
+  });
 }
 
 void write_polygon_bln_file(RunState& state) {
   OutputFile bln;
   open_output(state, bln, stamped_name(state, "_polygons_", ".bln"));
   const CellTables& cells = state.cells;
-  std::string line;
-  for (std::int32_t icpl = 1; icpl <= state.mesh.mesh_point_count; ++icpl) {
-    const std::size_t k = static_cast<std::size_t>(icpl - 1);
+  put_items(bln, static_cast<std::size_t>(state.mesh.mesh_point_count), [&](std::size_t k, std::string& text) {
     const std::int32_t m = cells.cell_vertex_count[k];
     const std::size_t first = static_cast<std::size_t>(cells.cell_first_vertex[k] - 1);
-    line.clear();
-    append_integer(line, m + 1, 10);
-    append_integer(line, 1, 5);
-    line += "   \"";
-    append_integer(line, icpl);
-    line += "\"";
-    put_line(bln, line);
+    append_integer(text, m + 1, 10);
+    append_integer(text, 1, 5);
+    text += "   \"";
+    append_integer(text, static_cast<std::int64_t>(k + 1));
+    text += "\"\n";
     for (std::int32_t j = 0; j <= m; ++j) {
       const std::size_t c = first + static_cast<std::size_t>(j == m ? 0 : j);
-      line = "  ";
-      append_scientific(line, cells.cell_vertices[2 * c] + state.x_offset, 0, 10);
-      line += "  ";
-      append_scientific(line, cells.cell_vertices[2 * c + 1] + state.y_offset, 0, 10);
-      put_line(bln, line);
+      text += "  ";
+      append_scientific(text, cells.cell_vertices[2 * c] + state.x_offset, 0, 10);
+      text += "  ";
+      append_scientific(text, cells.cell_vertices[2 * c + 1] + state.y_offset, 0, 10);
+      text += '\n';
     }
-  }
+  });
 }
 
 void write_polygon_centroid_table(RunState& state) {
@@ -145,19 +133,16 @@ void write_polygon_centroid_table(RunState& state) {
   open_output(state, dat, stamped_name(state, "_polygon_centroids_", ".dat"));
   put_line(dat, "      icpl       centroid_x       centroid_y          cell_area");
   const CellTables& cells = state.cells;
-  std::string line;
-  for (std::int32_t icpl = 1; icpl <= state.mesh.mesh_point_count; ++icpl) {
-    const std::size_t k = static_cast<std::size_t>(icpl - 1);
-    line.clear();
-    append_integer(line, icpl, 10);
-    line += "   ";
-    append_fixed(line, cells.cell_centroid[2 * k] + state.x_offset, 15, 4);
-    line += "   ";
-    append_fixed(line, cells.cell_centroid[2 * k + 1] + state.y_offset, 15, 4);
-    line += "   ";
-    append_fixed(line, std::fabs(cells.cell_area[k]), 15, 4);
-    put_line(dat, line);
-  }
+  put_items(dat, static_cast<std::size_t>(state.mesh.mesh_point_count), [&](std::size_t k, std::string& text) {
+    append_integer(text, static_cast<std::int64_t>(k + 1), 10);
+    text += "   ";
+    append_fixed(text, cells.cell_centroid[2 * k] + state.x_offset, 15, 4);
+    text += "   ";
+    append_fixed(text, cells.cell_centroid[2 * k + 1] + state.y_offset, 15, 4);
+    text += "   ";
+    append_fixed(text, std::fabs(cells.cell_area[k]), 15, 4);
+    text += '\n';
+  });
 }
 
 }  // namespace tesseramill

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
 namespace tesseramill {
@@ -14,12 +15,24 @@ namespace {
 void place(std::string& out, const char* body, std::size_t length, int width) {
   if (width <= 0) {
     out.append(body, length);
-  } else if (length > static_cast<std::size_t>(width)) {
-    out.append(static_cast<std::size_t>(width), '*');
-  } else {
-    out.append(static_cast<std::size_t>(width) - length, ' ');
-    out.append(body, length);
+    return;
   }
+  const std::size_t w = static_cast<std::size_t>(width);
+  // The field is made up here and appended at once: the writers of large
+  // files spend much of their time in these appends.
+  char field[128];
+  if (w > sizeof field) {
+    out.append(length > w ? w : w - length, length > w ? '*' : ' ');
+    if (length <= w) out.append(body, length);
+    return;
+  }
+  if (length > w) {
+    std::memset(field, '*', w);
+  } else {
+    std::memset(field, ' ', w - length);
+    std::memcpy(field + (w - length), body, length);
+  }
+  out.append(field, w);
 }
 
 // Writes the exponent part "E+xx" (at least two digits) into `p`.

@@ -36,6 +36,11 @@ void put_line(OutputFile& out, const std::string& line) {
   if (out.pending.size() >= kFlushSize) flush(out);
 }
 
+void put_text(OutputFile& out, const std::string& text) {
+  out.pending += text;
+  if (out.pending.size() >= kFlushSize) flush(out);
+}
+
 void close_output(OutputFile& out) {
   if (out.file == nullptr) return;
   flush(out);

@@ -3,8 +3,10 @@
 #pragma once
 
 #include <cstdio>
+#include <algorithm>
 #include <string>
 
+#include "run/parallel.h"
 #include "run/run_state.h"
 
 namespace tesseramill {
@@ -26,6 +28,30 @@ void open_output(RunState& state, OutputFile& out, const std::string& name);
 
 // Appends `line` and a line end.
 void put_line(OutputFile& out, const std::string& line);
+
+// Appends text that already ends its lines.
+void put_text(OutputFile& out, const std::string& text);
+
+// Appends the lines of items 0 .. count-1 in their order: format(item, text)
+// appends item's lines, each with its line end, to `text`.  Blocks of items
+// are formatted on the two cores side by side and written in order, so the
+// file is the same as from one pass.
+template <typename Format>
+void put_items(OutputFile& out, std::size_t count, Format format) {
+  constexpr std::size_t kBlock = kSmallestSharedWork;
+  std::string texts[2];
+  for (std::size_t start = 0; start < count; start += 2 * kBlock) {
+    const std::size_t end = std::min(count, start + 2 * kBlock);
+    texts[0].clear();
+    texts[1].clear();
+    run_in_parts(end - start, [&](std::size_t begin, std::size_t stop, int part) {
+      for (std::size_t item = start + begin; item < start + stop; ++item) format(item, texts[part]);
+      return PartFailure{};
+    });
+    put_text(out, texts[0]);
+    put_text(out, texts[1]);
+  }
+}
 
 // Writes what is pending and closes the file.
 void close_output(OutputFile& out);

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "run/failure.h"
+#include "run/parallel.h"
 #include "run/text_tools.h"
 
 namespace tesseramill {
@@ -26,17 +27,17 @@ std::int32_t find_in(const std::int32_t* col, std::int32_t c, std::int32_t t) {
   return -1;
 }
 
-[[noreturn]] void fail_sub_optimal(RunState& state) {
-  fail(state, "Sub-optimal triangulation. This can sometimes be rectified by decreasing requested cell "
-              "density along inner lines (especially if close to model boundary) or increasing "
-              "requested cell density along outer polygonal boundary.");
-}
+const char* const kSubOptimal =
+    "Sub-optimal triangulation. This can sometimes be rectified by decreasing requested cell density along "
+    "inner lines (especially if close to model boundary) or increasing requested cell density along outer "
+    "polygonal boundary.";
 
-void order_fan(RunState& state, std::int32_t p) {
+// Puts column p into fan order, with `work` as scratch; gives the failure
+// text, or an empty text.
+std::string order_fan(RunState& state, std::int32_t p, std::int32_t* work) {
   const TriangleTable& tt = state.triangles;
   const std::int32_t c = tt.point_tri_count[static_cast<std::size_t>(p - 1)];
   std::int32_t* col = column(state, p);
-  std::int32_t* work = state.mesh.work_list.data();
 
   std::int32_t start = 0;
   for (std::int32_t m = 0; m < c; ++m) {
@@ -50,8 +51,7 @@ void order_fan(RunState& state, std::int32_t p) {
       break;
     }
     if (matches == 3) {
-      fail(state, "Connection anomaly for connected triangle " + int_to_text(m + 1) + "of point " +
-                      int_to_text(p) + ".");
+      return "Connection anomaly for connected triangle " + int_to_text(m + 1) + "of point " + int_to_text(p) + ".";
     }
   }
   work[0] = col[start];
@@ -69,7 +69,7 @@ void order_fan(RunState& state, std::int32_t p) {
           taken = true;
         }
       }
-      if (!taken) fail(state, "Missing triangle local neighbour: cell = " + int_to_text(p));
+      if (!taken) return "Missing triangle local neighbour: cell = " + int_to_text(p);
     }
   }
   if (c != 1) {
@@ -80,10 +80,11 @@ void order_fan(RunState& state, std::int32_t p) {
         break;
       }
     }
-    if (last < 0) fail_sub_optimal(state);
+    if (last < 0) return kSubOptimal;
     work[c - 1] = col[last];
   }
   for (std::int32_t m = 0; m < c; ++m) col[m] = work[m];
+  return std::string();
 }
 
 void put_corner(CellTables& cells, std::int32_t position, double x, double y, std::int32_t code) {
@@ -238,7 +239,21 @@ void size_cell_tables(RunState& state) {
 }
 
 void order_connected_triangles(RunState& state) {
-  for (std::int32_t p = 1; p <= state.mesh.mesh_point_count; ++p) order_fan(state, p);
+  // Each column is reordered by itself, with scratch space of its own part.
+  TriangleTable& tt = state.triangles;
+  const std::size_t room = static_cast<std::size_t>(std::max(tt.largest_tri_count, 1));
+  if (state.mesh.work_list.size() < room) state.mesh.work_list.resize(room);
+  if (tt.second_scratch.size() < room) tt.second_scratch.resize(room);
+  const PartFailure failure =
+      run_in_parts(static_cast<std::size_t>(state.mesh.mesh_point_count), [&](std::size_t begin, std::size_t end, int part) {
+        std::int32_t* work = part == 0 ? state.mesh.work_list.data() : tt.second_scratch.data();
+        for (std::size_t k = begin; k < end; ++k) {
+          std::string message = order_fan(state, static_cast<std::int32_t>(k + 1), work);
+          if (!message.empty()) return PartFailure{k, std::move(message)};
+        }
+        return PartFailure{};
+      });
+  if (failure.failed()) fail(state, failure.message);
 }
 
 void assemble_cell_polygons(RunState& state) {
@@ -261,27 +276,34 @@ void assemble_cell_polygons(RunState& state) {
 }
 
 void measure_cells(RunState& state) {
+  // Each cell is measured by itself, in a polygon buffer of its own part.
   CellTables& cells = state.cells;
-  for (std::int32_t p = 1; p <= state.mesh.mesh_point_count; ++p) {
-    const std::size_t k = static_cast<std::size_t>(p - 1);
-    const std::int32_t v = cells.cell_vertex_count[k];
-    if (v > kMaxPolyVert) {
-      fail(state, "Maximum permitted vertices in any one Voronoi polygon is 100. Increase MAXPOLYVERT "
-                  "and recompile program.");
-    }
-    const std::size_t first = 2 * static_cast<std::size_t>(cells.cell_first_vertex[k] - 1);
-    std::copy(cells.cell_vertices.begin() + static_cast<std::ptrdiff_t>(first),
-              cells.cell_vertices.begin() + static_cast<std::ptrdiff_t>(first + 2 * static_cast<std::size_t>(v)),
-              cells.polygon_buffer.begin());
-    const AreaCentroid result = polygon_area_centroid(v, cells.polygon_buffer.data());
-    cells.cell_centroid[2 * k] = result.x;
-    cells.cell_centroid[2 * k + 1] = result.y;
-    cells.cell_area[k] = result.area;
-    if (result.area == 0.0) {
-      fail(state, "The area of the Voronoi polygon associated with cell number " + int_to_text(p) +
-                      " is zero.");
-    }
-  }
+  cells.second_polygon_buffer.resize(cells.polygon_buffer.size());
+  const PartFailure failure =
+      run_in_parts(static_cast<std::size_t>(state.mesh.mesh_point_count), [&](std::size_t begin, std::size_t end, int part) {
+        std::vector<double>& buffer = part == 0 ? cells.polygon_buffer : cells.second_polygon_buffer;
+        for (std::size_t k = begin; k < end; ++k) {
+          const std::int32_t v = cells.cell_vertex_count[k];
+          if (v > kMaxPolyVert) {
+            return PartFailure{k, "Maximum permitted vertices in any one Voronoi polygon is 100. Increase "
+                                  "MAXPOLYVERT and recompile program."};
+          }
+          const std::size_t first = 2 * static_cast<std::size_t>(cells.cell_first_vertex[k] - 1);
+          std::copy(cells.cell_vertices.begin() + static_cast<std::ptrdiff_t>(first),
+                    cells.cell_vertices.begin() + static_cast<std::ptrdiff_t>(first + 2 * static_cast<std::size_t>(v)),
+                    buffer.begin());
+          const AreaCentroid result = polygon_area_centroid(v, buffer.data());
+          cells.cell_centroid[2 * k] = result.x;
+          cells.cell_centroid[2 * k + 1] = result.y;
+          cells.cell_area[k] = result.area;
+          if (result.area == 0.0) {
+            return PartFailure{k, "The area of the Voronoi polygon associated with cell number " +
+                                      int_to_text(static_cast<std::int32_t>(k + 1)) + " is zero."};
+          }
+        }
+        return PartFailure{};
+      });
+  if (failure.failed()) fail(state, failure.message);
 }
 
 AreaCentroid polygon_area_centroid(std::int32_t count, double* corners) {

@@ -18,6 +18,8 @@ struct CellTables {
   std::vector<double> cell_area;                // signed: positive anticlockwise
   std::vector<double> boundary_spacing;
   std::vector<double> polygon_buffer;           // x,y pairs, room for kMaxPolyVert corners
+  std::vector<double> second_polygon_buffer;    // the same for the second part of shared work
+  std::vector<double> free_point_distance;      // scratch: each free point's measure in a pass
   std::int32_t edge_code_base = 0;
 };
 

@@ -9,6 +9,7 @@
 #include "output/number_format.h"
 #include "relaxation/cell_polygons.h"
 #include "relaxation/lloyd_step.h"
+#include "run/parallel.h"
 #include "run/phases.h"
 #include "triangulation/triangulate_points.h"
 
@@ -27,16 +28,27 @@ std::int32_t first_free_point(const RunState& state) {
   return sum + 6 * inner_points;
 }
 
-PassMeasure measure_pass(const RunState& state) {
-  PassMeasure m;
+PassMeasure measure_pass(RunState& state) {
   const std::vector<double>& points = state.mesh.mesh_points;
   const CellTables& cells = state.cells;
-  for (std::int32_t p = first_free_point(state); p <= state.mesh.mesh_point_count; ++p) {
-    const std::size_t k = static_cast<std::size_t>(p - 1);
-    const double dx = points[2 * k] - cells.cell_centroid[2 * k];
-    const double dy = points[2 * k + 1] - cells.cell_centroid[2 * k + 1];
-    const double dist2 = dx * dx + dy * dy;
-    const double d = std::sqrt(dist2 / std::fabs(cells.cell_area[k]));
+  const std::size_t first = static_cast<std::size_t>(std::max(first_free_point(state), 1) - 1);
+  const std::size_t last = static_cast<std::size_t>(std::max(state.mesh.mesh_point_count, 0));
+  // Each point's distance by itself on both cores; the sum then in point
+  // order, as rounding makes the order of a sum part of its value.
+  std::vector<double>& distances = state.cells.free_point_distance;
+  distances.resize(last > first ? last - first : 0);
+  run_in_parts(distances.size(), [&](std::size_t begin, std::size_t end, int) {
+    for (std::size_t i = begin; i < end; ++i) {
+      const std::size_t k = first + i;
+      const double dx = points[2 * k] - cells.cell_centroid[2 * k];
+      const double dy = points[2 * k + 1] - cells.cell_centroid[2 * k + 1];
+      const double dist2 = dx * dx + dy * dy;
+      distances[i] = std::sqrt(dist2 / std::fabs(cells.cell_area[k]));
+    }
+    return PartFailure{};
+  });
+  PassMeasure m;
+  for (double d : distances) {
     m.sum += d;
     m.worst = std::max(m.worst, d);
     m.count += 1;
@@ -63,14 +75,19 @@ void move_free_points(RunState& state, double stay_fac) {
   const double lloyd_fac = state.control.lloyd_fac;
   std::vector<double>& points = state.mesh.mesh_points;
   const CellTables& cells = state.cells;
-  for (std::int32_t p = first_free_point(state); p <= state.mesh.mesh_point_count; ++p) {
-    const std::size_t k = static_cast<std::size_t>(p - 1);
-    const double cx = cells.cell_centroid[2 * k];
-    const double cy = cells.cell_centroid[2 * k + 1];
-    if (!point_in_domain(state, cx, cy)) continue;
-    points[2 * k] = points[2 * k] * stay_fac + cx * lloyd_fac;
-    points[2 * k + 1] = points[2 * k + 1] * stay_fac + cy * lloyd_fac;
-  }
+  const std::size_t first = static_cast<std::size_t>(std::max(first_free_point(state), 1) - 1);
+  const std::size_t last = static_cast<std::size_t>(std::max(state.mesh.mesh_point_count, 0));
+  // A point's move reads its own cell and writes itself alone.
+  run_in_parts(last > first ? last - first : 0, [&](std::size_t begin, std::size_t end, int) {
+    for (std::size_t k = first + begin; k < first + end; ++k) {
+      const double cx = cells.cell_centroid[2 * k];
+      const double cy = cells.cell_centroid[2 * k + 1];
+      if (!point_in_domain(state, cx, cy)) continue;
+      points[2 * k] = points[2 * k] * stay_fac + cx * lloyd_fac;
+      points[2 * k + 1] = points[2 * k + 1] * stay_fac + cy * lloyd_fac;
+    }
+    return PartFailure{};
+  });
 }
 
 void lloyd_iterations(RunState& state) {

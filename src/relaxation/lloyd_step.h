@@ -23,7 +23,7 @@ struct PassMeasure {
 
 // Distances of the free points from their cells' centroids, in units of the
 // square root of the cell's area.
-PassMeasure measure_pass(const RunState& state);
+PassMeasure measure_pass(RunState& state);
 
 // The screen line of a pass.
 std::string pass_line(std::int32_t iteration, const PassMeasure& m);

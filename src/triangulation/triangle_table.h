@@ -35,6 +35,7 @@ struct TriangleTable {
   std::vector<std::int32_t> stack;        // DTRIS2's swap stack
   Dtris2Workspace dtris2;                 // DTRIS2's sort keys and sorted points
   std::vector<std::int32_t> column_fill;  // scratch: entries so far in each column
+  std::vector<std::int32_t> second_scratch;  // scratch of a fan for the second part of shared work
 };
 
 }  // namespace tesseramill

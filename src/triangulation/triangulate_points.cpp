@@ -10,6 +10,7 @@
 #include "geometry/planar_tools.h"
 #include "output/number_format.h"
 #include "run/failure.h"
+#include "run/parallel.h"
 #include "run/text_tools.h"
 #include "triangulation/dtris2.h"
 
@@ -40,8 +41,8 @@ void create_tables(RunState& state, std::int32_t n) {
   tt.point_tri_count.assign(static_cast<std::size_t>(n), 0);
 }
 
-[[noreturn]] void fail_collapse(RunState& state, std::int32_t t, const double* c1, const double* c2,
-                                const double* c3) {
+std::string collapse_message(const RunState& state, std::int32_t t, const double* c1, const double* c2,
+                             const double* c3) {
   std::string message = "Triangle # " + int_to_text(t) + " collapsed with vertices ";
   for (const double* c : {c1, c2, c3}) {
     message += "(";
@@ -50,15 +51,17 @@ void create_tables(RunState& state, std::int32_t n) {
     append_zero_led(message, c[1] + state.y_offset, 14, 7);
     message += ")";
   }
-  fail(state, message);
+  return message;
 }
 
-void compute_triangles(RunState& state) {
+// The circumcircle and centroid of triangles begin + 1 .. end (1-based).
+PartFailure compute_triangle_range(RunState& state, std::size_t begin, std::size_t end) {
   TriangleTable& tt = state.triangles;
   const std::vector<double>& p = state.mesh.mesh_points;
   const std::vector<std::int32_t>& label = state.mesh.mesh_point_label;
-  for (std::int32_t t = 1; t <= tt.triangle_count; ++t) {
-    const std::size_t base = 3 * static_cast<std::size_t>(t - 1);
+  for (std::size_t k = begin; k < end; ++k) {
+    const std::int32_t t = static_cast<std::int32_t>(k + 1);
+    const std::size_t base = 3 * k;
     const double* c1 = &p[2 * static_cast<std::size_t>(tt.tri_vertex[base] - 1)];
     const double* c2 = &p[2 * static_cast<std::size_t>(tt.tri_vertex[base + 1] - 1)];
     const double* c3 = &p[2 * static_cast<std::size_t>(tt.tri_vertex[base + 2] - 1)];
@@ -66,12 +69,11 @@ void compute_triangles(RunState& state) {
     if (circle.status != 0) {
       // Only the first corner decides whether a collapse is fatal.
       if (!on_ring(label[static_cast<std::size_t>(tt.tri_vertex[base] - 1)])) {
-        fail_collapse(state, t, c1, c2, c3);
+        return PartFailure{k, collapse_message(state, t, c1, c2, c3)};
       }
-      tt.itstat[static_cast<std::size_t>(t - 1)] = -1;
+      tt.itstat[k] = -1;
       continue;
     }
-    const std::size_t k = static_cast<std::size_t>(t - 1);
     tt.tri_circumcentre[2 * k] = circle.centre_x;
     tt.tri_circumcentre[2 * k + 1] = circle.centre_y;
     tt.tri_circumradius[k] = circle.radius;
@@ -84,6 +86,16 @@ void compute_triangles(RunState& state) {
     tt.tri_centroid[2 * k] = (c2[0] + c1[0] + c3[0]) * 0.3333333333333333;
     tt.tri_centroid[2 * k + 1] = (c2[1] + c1[1] + c3[1]) * 0.3333333333333333;
   }
+  return PartFailure{};
+}
+
+// Circumcircles and centroids of every triangle; each triangle by itself,
+// so the work is shared between the two cores.
+void compute_triangles(RunState& state) {
+  const PartFailure failure = run_in_parts(
+      static_cast<std::size_t>(state.triangles.triangle_count),
+      [&](std::size_t begin, std::size_t end, int) { return compute_triangle_range(state, begin, end); });
+  if (failure.failed()) fail(state, failure.message);
 }
 
 std::int32_t mark_external(RunState& state) {

@@ -1,0 +1,55 @@
+// Work over independent items shared between the two cores of the machines
+// the program is meant for.  The items are split into two contiguous halves
+// and each half runs in order; every item's result depends on that item
+// alone, so the split changes no result.  A failure is reported as the one
+// that a single pass in order would meet first.
+#pragma once
+
+#include <cstddef>
+#include <exception>
+#include <limits>
+#include <string>
+#include <thread>
+
+namespace tesseramill {
+
+// What a part of the work met: the first failing item and the failure text.
+struct PartFailure {
+  std::size_t at = std::numeric_limits<std::size_t>::max();
+  std::string message;
+  bool failed() const { return at != std::numeric_limits<std::size_t>::max(); }
+};
+
+// Below this many items a second thread costs more than it saves.
+inline constexpr std::size_t kSmallestSharedWork = 20000;
+
+// Runs work(begin, end, part) over [0, count), as two halves on two threads
+// (part 0 and part 1) when there is enough of it, and gives the failure of
+// the lowest item, if any.  `work` returns a PartFailure.
+template <typename Work>
+PartFailure run_in_parts(std::size_t count, Work work) {
+  if (count < kSmallestSharedWork) return work(std::size_t{0}, count, 0);
+  const std::size_t middle = count / 2;
+  PartFailure second;
+  std::exception_ptr thrown;
+  std::thread helper([&] {
+    try {
+      second = work(middle, count, 1);
+    } catch (...) {
+      thrown = std::current_exception();
+    }
+  });
+  PartFailure first;
+  try {
+    first = work(std::size_t{0}, middle, 0);
+  } catch (...) {
+    helper.join();
+    throw;
+  }
+  helper.join();
+  if (thrown) std::rethrow_exception(thrown);
+  // The first half holds the lower items.
+  return first.failed() ? first : second;
+}
+
+}  // namespace tesseramill

@@ -1,0 +1,69 @@
+// Shared work reports the failure that a pass in order meets first, covers
+// every item once, and carries an exception out of the helper thread.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <stdexcept>
+#include <vector>
+
+#include "run/parallel.h"
+
+namespace tesseramill {
+namespace {
+
+PartFailure fail_at(std::size_t begin, std::size_t end, const std::vector<std::size_t>& failing) {
+  for (std::size_t k = begin; k < end; ++k) {
+    for (std::size_t f : failing) {
+      if (k == f) return PartFailure{k, "item " + std::to_string(k)};
+    }
+  }
+  return PartFailure{};
+}
+
+TEST(RunInParts, TheLowestFailingItemWins) {
+  const std::size_t count = 3 * kSmallestSharedWork;
+  const PartFailure both = run_in_parts(count, [&](std::size_t b, std::size_t e, int) {
+    return fail_at(b, e, {count - 5, count / 2 - 1, 7});
+  });
+  EXPECT_EQ(both.at, 7u);
+  EXPECT_EQ(both.message, "item 7");
+  const PartFailure second = run_in_parts(count, [&](std::size_t b, std::size_t e, int) {
+    return fail_at(b, e, {count - 5, count - 2});
+  });
+  EXPECT_EQ(second.at, count - 5);
+  EXPECT_FALSE(run_in_parts(count, [&](std::size_t b, std::size_t e, int) { return fail_at(b, e, {}); }).failed());
+}
+
+TEST(RunInParts, EveryItemOnceAndSmallWorkInOnePart) {
+  const std::size_t count = 2 * kSmallestSharedWork + 3;
+  std::vector<std::atomic<int>> seen(count);
+  std::atomic<int> parts{0};
+  run_in_parts(count, [&](std::size_t b, std::size_t e, int part) {
+    parts += part + 1;
+    for (std::size_t k = b; k < e; ++k) seen[k] += 1;
+    return PartFailure{};
+  });
+  for (const auto& s : seen) ASSERT_EQ(s.load(), 1);
+  EXPECT_EQ(parts.load(), 3);  // parts 0 and 1
+  int small_parts = 0;
+  run_in_parts(100, [&](std::size_t b, std::size_t e, int part) {
+    small_parts += 1;
+    EXPECT_EQ(b, 0u);
+    EXPECT_EQ(e, 100u);
+    EXPECT_EQ(part, 0);
+    return PartFailure{};
+  });
+  EXPECT_EQ(small_parts, 1);
+}
+
+TEST(RunInParts, AnExceptionOfTheHelperReachesTheCaller) {
+  EXPECT_THROW(run_in_parts(2 * kSmallestSharedWork,
+                            [&](std::size_t, std::size_t, int part) -> PartFailure {
+                              if (part == 1) throw std::runtime_error("helper");
+                              return PartFailure{};
+                            }),
+               std::runtime_error);
+}
+
+}  // namespace
+}  // namespace tesseramill
