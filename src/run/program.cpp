@@ -1,9 +1,7 @@
 #include "run/program.h"
 
 #include <chrono>
-#include <new>
 #include <ostream>
-#include <stdexcept>
 
 #include "run/failure.h"
 #include "run/phases.h"
@@ -43,23 +41,14 @@ void run_phases(RunState& state, const RunOptions& options) {
 int run_program(int argc, const char* const* argv, std::ostream& screen, const RunOptions& options) {
   RunState state;
   state.screen = &screen;
-  try {
+  run_to_one_exit(state, [&] {
     initialise_run_state(state);
     state.reference_paths = options.reference_paths;
     print_banner(state);
-    if (!get_command_line(state, argc, argv)) return 0;
+    if (!get_command_line(state, argc, argv)) return;
     run_phases(state, options);
     release_run_state(state);
-  } catch (const RunFailure&) {
-    report_failure(state);
-  } catch (const std::bad_alloc&) {
-    state.message_buffer = "Unable to allocate sufficient memory to continue execution.";
-    report_failure(state);
-  } catch (const std::length_error&) {
-    // A table larger than any allocation can hold is a memory failure too.
-    state.message_buffer = "Unable to allocate sufficient memory to continue execution.";
-    report_failure(state);
-  }
+  });
   screen.flush();
   return 0;
 }

@@ -26,8 +26,14 @@ void print_banner(RunState& state) {
   *state.screen << "\n TESSERAMILL version " << state.version_text << " by Larkspur Analytics.\n";
 }
 
-bool get_command_line(RunState& state, int argc, const char* const* argv) {
+std::string command_line_argument(int argc, const char* const* argv) {
   std::string argument = argc > 1 ? fit_field(argv[1], kFileNameLength) : std::string();
+  left_adjust(argument);
+  return argument;
+}
+
+bool get_command_line(RunState& state, int argc, const char* const* argv) {
+  const std::string argument = command_line_argument(argc, argv);
   if (argument.empty()) {
     *state.screen << "\n"
                      " TESSERAMILL is run using the command:\n"
@@ -40,7 +46,6 @@ bool get_command_line(RunState& state, int argc, const char* const* argv) {
     release_run_state(state);
     return false;
   }
-  left_adjust(argument);
   state.control_file_name = argument;
   return true;
 }
