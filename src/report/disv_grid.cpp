@@ -1,0 +1,215 @@
+#include "report/disv_grid.h"
+
+#include <cstdlib>
+#include <string_view>
+
+#include "input/line_reader.h"
+#include "run/failure.h"
+#include "run/text_tools.h"
+
+namespace tesseramill {
+
+namespace {
+
+// The longest line the reader keeps: a cell line holds up to 1000 vertex
+// numbers of 7 columns.
+constexpr std::size_t kLongestLine = 1 << 20;
+
+struct Reader {
+  explicit Reader(RunState& run) : state(run) {}
+
+  RunState& state;
+  LineReader lines;
+  std::string name;
+  std::int32_t line_number = 0;
+  std::string line;
+  std::vector<std::string_view> tokens;
+  std::size_t next = 0;
+
+  [[noreturn]] void fail_line() {
+    fail(state, "Error reading line " + int_to_text(line_number) + " of file " + name + ".");
+  }
+
+  // Reads the next line that is not blank into its tokens; false at the end.
+  bool next_line() {
+    for (;;) {
+      count_line(line_number);
+      const LineStatus status = read_line(lines, line, kLongestLine);
+      if (status == LineStatus::kEnd) return false;
+      if (status == LineStatus::kError) fail_line();
+      tokens.clear();
+      next = 0;
+      std::size_t p = 0;
+      while (p < line.size()) {
+        while (p < line.size() && (line[p] == ' ' || line[p] == '\t')) ++p;
+        std::size_t q = p;
+        while (q < line.size() && line[q] != ' ' && line[q] != '\t') ++q;
+        if (q > p) tokens.emplace_back(line.data() + p, q - p);
+        p = q;
+      }
+      if (!tokens.empty()) return true;
+    }
+  }
+
+  // The next token, reading on over further lines; false at the end.
+  bool token(std::string_view& out) {
+    while (next >= tokens.size()) {
+      if (!next_line()) return false;
+    }
+    out = tokens[next++];
+    return true;
+  }
+
+  double real() {
+    std::string_view t;
+    double value = 0.0;
+    if (!token(t) || read_real(t, value) != 0) fail_line();
+    return value;
+  }
+
+  std::int32_t integer() {
+    std::string_view t;
+    std::int32_t value = 0;
+    if (!token(t) || read_integer(t, value) != 0) fail_line();
+    return value;
+  }
+};
+
+// The mesher writes up to this many vertex numbers on a cell's line and
+// goes on over the next lines.
+constexpr std::size_t kNumbersOnALine = 1000;
+
+// The count and the vertex numbers of a cell, read as blank-separated
+// numbers from the token after the cell's y on: as many numbers as the count
+// says, on the cell's line, or a full line of them and the rest on the next
+// lines.  False, with nothing added, when the line holds anything else: a
+// count that ran together with the first number is far larger than the
+// numbers behind it.
+bool read_cell_numbers(Reader& r, std::vector<std::int32_t>& out) {
+  const std::size_t first = r.next;
+  std::int32_t count = 0;
+  if (first >= r.tokens.size() || read_integer(r.tokens[first], count) != 0 || count < 3) return false;
+  const std::size_t wanted = static_cast<std::size_t>(count);
+  const std::size_t on_line = r.tokens.size() - first - 1;
+  if (on_line != wanted && !(on_line == kNumbersOnALine && wanted > kNumbersOnALine)) return false;
+  const std::size_t size = out.size();
+  for (std::size_t i = 0; i < on_line; ++i) {
+    std::int32_t v = 0;
+    if (read_integer(r.tokens[first + 1 + i], v) != 0) {
+      out.resize(size);
+      return false;
+    }
+    out.push_back(v);
+  }
+  r.next = r.tokens.size();
+  for (std::size_t i = on_line; i < wanted; ++i) out.push_back(r.integer());
+  return true;
+}
+
+bool column_integer(std::string_view field, std::int32_t& value) {
+  const std::size_t first = field.find_first_not_of(' ');
+  return first != std::string_view::npos && read_integer(field.substr(first), value) == 0;
+}
+
+// The same from the columns the mesher writes them in: the count in the 5
+// columns behind the cell's y, then a number in each 7 columns.  A number
+// of seven digits fills its columns and runs into the one before it, so
+// that only the columns tell them apart (and MODFLOW 6, which reads numbers
+// between blanks, cannot).  False when the line is not of that layout.
+bool read_cell_columns(Reader& r, std::vector<std::int32_t>& out) {
+  if (r.next == 0 || r.next > r.tokens.size()) return false;
+  const std::string_view y = r.tokens[r.next - 1];
+  const std::string_view rest = std::string_view(r.line).substr(static_cast<std::size_t>(y.data() - r.line.data()) + y.size());
+  std::int32_t count = 0;
+  if (rest.size() < 5 || !column_integer(rest.substr(0, 5), count) || count < 3) return false;
+  if (rest.size() != 5 + 7 * static_cast<std::size_t>(count)) return false;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
+    std::int32_t v = 0;
+    if (!column_integer(rest.substr(5 + 7 * i, 7), v)) {
+      out.resize(out.size() - i);
+      return false;
+    }
+    out.push_back(v);
+  }
+  r.next = r.tokens.size();
+  return true;
+}
+
+bool word_is(std::string_view token, std::string_view word) {
+  if (token.size() != word.size()) return false;
+  for (std::size_t k = 0; k < word.size(); ++k) {
+    char c = token[k];
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+    if (c != word[k]) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+void read_disv_grid(RunState& state, const std::string& name, const std::string& command, DisvGrid& grid) {
+  Reader r{state};
+  r.name = name;
+  if (!open_lines(r.lines, name)) {
+    fail(state, "Cannot open file " + name + ". It is the MODFLOW 6 grid that the command \"" + command +
+                    "\" writes: run that command in this folder first.");
+  }
+  grid = DisvGrid{};
+  bool have_vertices = false;
+  bool have_cells = false;
+  while (r.next_line()) {
+    if (!word_is(r.tokens[0], "BEGIN") || r.tokens.size() < 2) continue;
+    const std::string_view block = r.tokens[1];
+    r.next = r.tokens.size();
+    if (word_is(block, "OPTIONS") || word_is(block, "DIMENSIONS")) {
+      // Keyword and value pairs up to the block's END.
+      while (r.next_line() && !word_is(r.tokens[0], "END")) {
+        const std::string_view key = r.tokens[0];
+        r.next = 1;
+        if (word_is(key, "XORIGIN")) grid.xorigin = r.real();
+        if (word_is(key, "YORIGIN")) grid.yorigin = r.real();
+        if (word_is(key, "NLAY")) grid.nlay = r.integer();
+        if (word_is(key, "NCPL")) grid.ncpl = r.integer();
+        if (word_is(key, "NVERT")) grid.nvert = r.integer();
+      }
+    } else if (word_is(block, "VERTICES")) {
+      if (grid.nvert < 1) r.fail_line();
+      grid.vertices.assign(2 * static_cast<std::size_t>(grid.nvert), 0.0);
+      for (std::int32_t k = 1; k <= grid.nvert; ++k) {
+        const std::int32_t number = r.integer();
+        if (number < 1 || number > grid.nvert) r.fail_line();
+        grid.vertices[2 * static_cast<std::size_t>(number - 1)] = r.real();
+        grid.vertices[2 * static_cast<std::size_t>(number - 1) + 1] = r.real();
+      }
+      have_vertices = true;
+    } else if (word_is(block, "CELL2D")) {
+      if (grid.ncpl < 1) r.fail_line();
+      grid.centres.assign(2 * static_cast<std::size_t>(grid.ncpl), 0.0);
+      grid.cell_start.assign(static_cast<std::size_t>(grid.ncpl) + 1, 0);
+      for (std::int32_t k = 1; k <= grid.ncpl; ++k) {
+        if (r.integer() != k) r.fail_line();
+        grid.centres[2 * static_cast<std::size_t>(k - 1)] = r.real();
+        grid.centres[2 * static_cast<std::size_t>(k - 1) + 1] = r.real();
+        if (!read_cell_numbers(r, grid.cell_vertices)) {
+          if (!read_cell_columns(r, grid.cell_vertices)) r.fail_line();
+          if (grid.first_joined_cell == 0) grid.first_joined_cell = k;
+        }
+        for (std::size_t i = static_cast<std::size_t>(grid.cell_start[static_cast<std::size_t>(k - 1)]);
+             i < grid.cell_vertices.size(); ++i) {
+          const std::int32_t v = grid.cell_vertices[i];
+          if (v < 1 || v > grid.nvert) {
+            fail(state, "Cell " + int_to_text(k) + " of file " + name + " names vertex " + int_to_text(v) +
+                            ", which the file does not hold.");
+          }
+        }
+        grid.cell_start[static_cast<std::size_t>(k)] = static_cast<std::int32_t>(grid.cell_vertices.size());
+      }
+      have_cells = true;
+    }
+  }
+  if (!have_vertices || !have_cells) {
+    fail(state, "File " + name + " holds no complete grid: its VERTICES or CELL2D block is missing.");
+  }
+}
+
+}  // namespace tesseramill
