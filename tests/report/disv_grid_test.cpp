@@ -1,0 +1,143 @@
+// Reading grid files back: the layout the mesher writes, numbers that run
+// together in their columns, and files of other layouts.
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "output/number_format.h"
+#include "report/disv_grid.h"
+#include "report/grid_quality.h"
+#include "run/failure.h"
+#include "support/scratch.h"
+
+namespace tesseramill_test {
+namespace {
+
+using tesseramill::append_integer;
+using tesseramill::append_scientific;
+
+// A grid file of `nvert` vertices, each at (k, -1) but for the ones given,
+// and cells of the given vertex numbers, in the mesher's layout.
+std::string grid_file(int nvert, const std::vector<std::pair<int, std::pair<double, double>>>& places,
+                      const std::vector<std::vector<int>>& cells) {
+  std::vector<std::pair<double, double>> at(static_cast<std::size_t>(nvert) + 1);
+  for (int v = 1; v <= nvert; ++v) at[static_cast<std::size_t>(v)] = {v, -1.0};
+  for (const auto& [v, place] : places) at[static_cast<std::size_t>(v)] = place;
+  std::string text = "BEGIN DIMENSIONS\n  NLAY 1\n  NCPL " + std::to_string(cells.size()) + "\n  NVERT " +
+                     std::to_string(nvert) + "\nEND DIMENSIONS\n \nBEGIN VERTICES\n";
+  for (int v = 1; v <= nvert; ++v) {
+    append_integer(text, v, 10);
+    text += "  ";
+    append_scientific(text, at[static_cast<std::size_t>(v)].first, 16, 9);
+    text += "  ";
+    append_scientific(text, at[static_cast<std::size_t>(v)].second, 16, 9);
+    text += '\n';
+  }
+  text += "END VERTICES\n \nBEGIN CELL2D\n";
+  for (std::size_t c = 0; c < cells.size(); ++c) {
+    append_integer(text, static_cast<std::int64_t>(c + 1), 10);
+    text += "  ";
+    append_scientific(text, 0.5, 0, 15);
+    text += "  ";
+    append_scientific(text, 0.5, 0, 15);
+    append_integer(text, static_cast<std::int64_t>(cells[c].size()), 5);
+    for (int v : cells[c]) append_integer(text, v, 7);
+    text += '\n';
+  }
+  return text + "END CELL2D\n";
+}
+
+tesseramill::DisvGrid read_grid(const std::string& text, std::string& screen_text) {
+  ScratchDir dir;
+  dir.write("g.disv", text);
+  std::ostringstream screen;
+  tesseramill::RunState state;
+  state.screen = &screen;
+  tesseramill::DisvGrid grid;
+  try {
+    tesseramill::read_disv_grid(state, (dir.path() / "g.disv").string(), "tesseramill t.in", grid);
+  } catch (const tesseramill::RunFailure&) {
+    screen_text = state.message_buffer;
+  }
+  return grid;
+}
+
+TEST(DisvGridReader, ReadsTheMeshersLayout) {
+  std::string failure;
+  const tesseramill::DisvGrid grid =
+      read_grid(grid_file(4, {{1, {0, 0}}, {2, {0, 1}}, {3, {1, 1}}, {4, {1, 0}}}, {{1, 2, 3, 4}}), failure);
+  EXPECT_EQ(failure, "");
+  EXPECT_EQ(grid.ncpl, 1);
+  EXPECT_EQ(grid.nvert, 4);
+  EXPECT_EQ(grid.cell_vertices, (std::vector<std::int32_t>{1, 2, 3, 4}));
+  EXPECT_EQ(grid.first_joined_cell, 0);
+  EXPECT_EQ(grid.vertices[4], 1.0);
+}
+
+// A grid file of more than a million vertices: the cell lines' numbers of
+// seven digits fill their columns and run together.  The reader tells them
+// apart by the columns, and the readiness check names the first such cell.
+TEST(DisvGridReader, TellsSevenDigitNumbersApartByTheirColumns) {
+  const int nvert = 1000004;
+  std::string failure;
+  const std::string text = grid_file(
+      nvert, {{999999, {0, 0}}, {1000000, {0, 1}}, {1000001, {1, 1}}, {1000002, {1, 0}}, {1000003, {2, 1}}, {1000004, {2, 0}}},
+      {{999999, 1000000, 1000001, 1000002}, {1000002, 1000001, 1000003, 1000004}});
+  ASSERT_NE(text.find("    4 99999910000001000001"), std::string::npos);
+  const tesseramill::DisvGrid grid = read_grid(text, failure);
+  EXPECT_EQ(failure, "");
+  EXPECT_EQ(grid.cell_vertices, (std::vector<std::int32_t>{999999, 1000000, 1000001, 1000002, 1000002, 1000001,
+                                                           1000003, 1000004}));
+  EXPECT_EQ(grid.first_joined_cell, 1);
+  tesseramill::DomainRings rings;
+  rings.outer = {0, 0, 2, 0, 2, 1, 0, 1, 0, 0};
+  const tesseramill::GridQuality q = tesseramill::assess_grid(grid, rings, 1.2);
+  EXPECT_FALSE(q.checks[tesseramill::kNumbersApart].passed);
+  EXPECT_EQ(q.checks[tesseramill::kNumbersApart].first_cell, 1);
+  EXPECT_TRUE(q.checks[tesseramill::kClockwiseCells].passed);
+  EXPECT_TRUE(q.checks[tesseramill::kFacesShared].passed);
+  const std::string report = tesseramill::quality_text(q, "g.disv");
+  EXPECT_NE(report.find("   FAIL  every vertex number on the cell lines set apart by a blank: first at cell 1\n"
+                        "\n Vertex numbers of seven digits fill their seven columns and run together, and\n"
+                        " MODFLOW 6 cannot read them: keep the grid below 1,000,000 vertices (about\n"
+                        " 500,000 cells), or set the numbers apart before MODFLOW 6 reads the file.\n"),
+            std::string::npos)
+      << report;
+}
+
+// Found on a grid of a million cells: a count that runs into a first number
+// of seven digits reads as a count of millions, which the numbers behind it
+// on the line do not make up; the columns tell them apart.
+TEST(DisvGridReader, CountRunTogetherWithTheFirstNumber) {
+  std::string failure;
+  const tesseramill::DisvGrid grid =
+      read_grid(grid_file(1000560, {}, {{1000560, 999742, 998662, 998448, 997655}, {5, 6, 7}}), failure);
+  EXPECT_EQ(failure, "");
+  EXPECT_EQ(grid.cell_vertices, (std::vector<std::int32_t>{1000560, 999742, 998662, 998448, 997655, 5, 6, 7}));
+  EXPECT_EQ(grid.first_joined_cell, 1);
+}
+
+TEST(DisvGridReader, ReadsNumbersBetweenBlanksInAnyColumns) {
+  std::string failure;
+  const tesseramill::DisvGrid grid = read_grid(
+      "begin dimensions\n ncpl 1\n nvert 3\nend dimensions\nbegin vertices\n3 1 0\n1 0 0\n2 0 1\nend vertices\n"
+      "begin cell2d\n 1 0.3 0.3   3 1  2     3\nend cell2d\n",
+      failure);
+  EXPECT_EQ(failure, "");
+  EXPECT_EQ(grid.cell_vertices, (std::vector<std::int32_t>{1, 2, 3}));
+  EXPECT_EQ(grid.first_joined_cell, 0);
+  EXPECT_EQ(grid.vertices[4], 1.0);
+}
+
+TEST(DisvGridReader, RefusesWhatIsNeitherLayout) {
+  std::string failure;
+  read_grid("BEGIN DIMENSIONS\n NCPL 1\n NVERT 3\nEND DIMENSIONS\nBEGIN VERTICES\n 1 0 0\n 2 0 1\n 3 1 1\nEND VERTICES\n"
+            "BEGIN CELL2D\n 1 0.3 0.6 3 1 2 x\nEND CELL2D\n",
+            failure);
+  const std::string start = "Error reading line 11 of file ";
+  EXPECT_EQ(failure.substr(0, start.size()), start) << failure;
+  EXPECT_EQ(failure.substr(failure.size() - 8), "/g.disv.") << failure;
+}
+
+}  // namespace
+}  // namespace tesseramill_test
