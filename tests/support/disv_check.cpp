@@ -1,6 +1,7 @@
 #include "support/disv_check.h"
 
 #include <cmath>
+#include <cstdlib>
 #include <sstream>
 
 namespace tesseramill_test {
@@ -41,6 +42,7 @@ DisvGrid read_disv(const std::string& text) {
       std::vector<int> cell(static_cast<std::size_t>(count));
       for (int& v : cell) words >> v;
       grid.cells.push_back(cell);
+      grid.centres.emplace_back(cx, cy);
     }
   }
   return grid;
@@ -54,6 +56,27 @@ double doubled_area(const DisvGrid& grid, const std::vector<int>& cell) {
     a += p.first * q.second - q.first * p.second;
   }
   return a;
+}
+
+std::vector<std::vector<double>> bln_groups(const std::string& bln_text) {
+  std::istringstream in(bln_text);
+  std::vector<std::vector<double>> groups;
+  std::string line;
+  while (std::getline(in, line)) {
+    const int count = std::atoi(line.c_str());
+    if (count <= 0) break;
+    std::vector<double> group;
+    for (int k = 0; k < count && std::getline(in, line); ++k) {
+      std::istringstream words(line);
+      double x = 0;
+      double y = 0;
+      words >> x >> y;
+      group.push_back(x);
+      group.push_back(y);
+    }
+    groups.push_back(group);
+  }
+  return groups;
 }
 
 double bln_ring_area(const std::string& bln_text) {

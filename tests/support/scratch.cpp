@@ -1,5 +1,7 @@
 #include "support/scratch.h"
 
+#include <gtest/gtest.h>
+
 #include <sys/resource.h>
 #include <sys/wait.h>
 
@@ -67,8 +69,16 @@ std::vector<std::string> ScratchDir::listing() const {
 }
 
 RunResult run_binary(const ScratchDir& dir, const std::vector<std::string>& args) {
-  const std::string screen_file = dir.path().string() + ".screen";
-  std::string command = "cd " + quoted(dir.path().string()) + " && " + quoted(TESSERAMILL_BINARY);
+  return run_executable(dir.path(), TESSERAMILL_BINARY, args);
+}
+
+RunResult run_report_binary(const ScratchDir& dir, const std::vector<std::string>& args) {
+  return run_executable(dir.path(), TESSERAMILL_REPORT_BINARY, args);
+}
+
+RunResult run_executable(const fs::path& dir, const std::string& executable, const std::vector<std::string>& args) {
+  const std::string screen_file = dir.string() + ".screen";
+  std::string command = "cd " + quoted(dir.string()) + " && " + quoted(executable);
   for (const std::string& arg : args) command += " " + quoted(arg);
   command += " > " + quoted(screen_file) + " 2>&1 < /dev/null";
   int raw = std::system(command.c_str());
@@ -132,11 +142,33 @@ std::string screen_tail(const std::string& screen, std::size_t size) {
 }
 
 void copy_model(const ScratchDir& dir, const std::string& model) {
-  const std::filesystem::path source = std::filesystem::path(TESSERAMILL_SOURCE_DIR) / "tests" / "models" / model;
-  for (const auto& entry : std::filesystem::directory_iterator(source)) {
-    std::filesystem::copy_file(entry.path(), dir.path() / entry.path().filename(),
-                               std::filesystem::copy_options::overwrite_existing);
+  copy_folder(source_path("tests/models/" + model), dir.path());
+}
+
+fs::path source_path(const std::string& relative) { return fs::path(TESSERAMILL_SOURCE_DIR) / relative; }
+
+std::string read_file(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+void copy_folder(const fs::path& from, const fs::path& to) {
+  for (const auto& entry : fs::directory_iterator(from)) {
+    fs::copy_file(entry.path(), to / entry.path().filename(), fs::copy_options::overwrite_existing);
   }
+}
+
+void expect_ready_for_modflow(const fs::path& dir, const std::string& control) {
+  const RunResult report = run_executable(dir, TESSERAMILL_REPORT_BINARY, {control});
+  const std::size_t readiness = report.screen.find("\n MODFLOW 6 readiness\n");
+  ASSERT_NE(readiness, std::string::npos) << report.screen;
+  const std::string checks = report.screen.substr(readiness);
+  std::size_t passed = 0;
+  for (std::size_t p = checks.find("   pass  "); p != std::string::npos; p = checks.find("   pass  ", p + 1)) ++passed;
+  EXPECT_EQ(passed, 6u) << checks;
+  EXPECT_EQ(checks.find("FAIL"), std::string::npos) << checks;
 }
 
 }  // namespace tesseramill_test

@@ -31,6 +31,14 @@ struct RunResult {
 
 // Runs the tesseramill executable in `dir` with the given arguments.
 RunResult run_binary(const ScratchDir& dir, const std::vector<std::string>& args);
+// The same with the report program.
+RunResult run_report_binary(const ScratchDir& dir, const std::vector<std::string>& args);
+RunResult run_executable(const std::filesystem::path& dir, const std::string& executable,
+                         const std::vector<std::string>& args);
+
+// Runs the report program in `dir` on the control file of a finished run
+// there and expects every MODFLOW 6 readiness check of the grid to pass.
+void expect_ready_for_modflow(const std::filesystem::path& dir, const std::string& control);
 
 // Runs an executable in `dir` as its own child process and reports, beside
 // the screen and the status, the largest memory the child held, in KiB.
@@ -58,5 +66,12 @@ std::string screen_tail(const std::string& screen, std::size_t size);
 
 // Copies every file of tests/models/<model> into `dir`.
 void copy_model(const ScratchDir& dir, const std::string& model);
+
+// A file of the source tree, by its path from the top.
+std::filesystem::path source_path(const std::string& relative);
+// The whole content of a file; empty when it cannot be read.
+std::string read_file(const std::filesystem::path& path);
+// Copies every file of folder `from` into folder `to`.
+void copy_folder(const std::filesystem::path& from, const std::filesystem::path& to);
 
 }  // namespace tesseramill_test

@@ -1,0 +1,203 @@
+#include "report/report_program.h"
+
+#include <ostream>
+
+#include "output/number_format.h"
+#include "output/text_file.h"
+#include "report/cell_geometry.h"
+#include "report/disv_grid.h"
+#include "report/grid_picture.h"
+#include "report/grid_quality.h"
+#include "report/line_reaches.h"
+#include "report/report_tables.h"
+#include "report/zone_shares.h"
+#include "run/failure.h"
+#include "run/phases.h"
+#include "run/program.h"
+#include "run/text_tools.h"
+
+namespace tesseramill {
+
+namespace {
+
+// The command that writes the grid this program reads.
+constexpr const char* kMesherCommand = "tesseramill";
+
+void print_usage(std::ostream& screen) {
+  screen << "\n"
+            " TESSERAMILL-REPORT is run using the command:\n"
+            "\n"
+            "   tesseramill-report infile\n"
+            "\n"
+            " where\n"
+            "\n"
+            "   infile is the name of the TESSERAMILL input file of a finished run,\n"
+            "   run in the folder of that run.\n";
+}
+
+// Places read from the BLN files, as the grid file holds them: the vertices
+// of the grid are the world position less the origin, computed as
+// (internal - origin) + offset.  The origin is the control file's, which the
+// grid's vertices were computed with; the grid file's option line keeps only
+// nine of its digits.
+struct GridFrame {
+  double xorigin = 0.0;
+  double yorigin = 0.0;
+  double x_offset = 0.0;
+  double y_offset = 0.0;
+
+  double x(double internal) const { return (internal - xorigin) + x_offset; }
+  double y(double internal) const { return (internal - yorigin) + y_offset; }
+};
+
+std::vector<double> in_grid_frame(const GridFrame& frame, const std::vector<double>& xy, std::int32_t count) {
+  std::vector<double> out(2 * static_cast<std::size_t>(count));
+  for (std::size_t k = 0; k < out.size(); k += 2) {
+    out[k] = frame.x(xy[k]);
+    out[k + 1] = frame.y(xy[k + 1]);
+  }
+  return out;
+}
+
+// A ring held closed in memory, without its repeated last vertex.
+std::vector<double> without_closing_vertex(std::vector<double> ring) {
+  const std::size_t n = ring.size();
+  if (n >= 4 && ring[0] == ring[n - 2] && ring[1] == ring[n - 1]) ring.resize(n - 2);
+  return ring;
+}
+
+void write_text_file(RunState& state, const std::string& name, const std::string& text) {
+  OutputFile out;
+  open_output(state, out, name);
+  put_text(out, text);
+  close_output(out);
+  *state.screen << " - file " << out.name << " written ok.\n";
+}
+
+void write_reaches(RunState& state, const DisvGrid& disv, const CellLocator& locator, const GridFrame& frame,
+                   const std::string& name) {
+  std::string text = reaches_header();
+  std::vector<Reach> reaches;
+  for (std::int32_t i = 0; i < state.control.inner_line_count; ++i) {
+    const BoundaryRing& line = state.inner_lines[static_cast<std::size_t>(i)];
+    const std::vector<double> xy = in_grid_frame(frame, line.vertices, line.vertex_count);
+    line_reaches(disv, locator, xy.data(), line.vertex_count, reaches);
+    append_reach_rows(text, i + 1, trimmed(state.control.inner_line_files[static_cast<std::size_t>(i)]), reaches);
+  }
+  write_text_file(state, name, text);
+}
+
+void write_points(RunState& state, const DisvGrid& disv, const CellLocator& locator, const GridFrame& frame,
+                  const std::string& name) {
+  std::string text = points_header();
+  std::vector<std::int32_t> near;
+  std::vector<double> scratch;
+  for (std::size_t s = 0; s < state.inner_point_sets.size(); ++s) {
+    const PointSet& set = state.inner_point_sets[s];
+    const std::string file = trimmed(state.control.inner_points_files[s]);
+    for (std::int32_t k = 0; k < set.count; ++k) {
+      const double x = set.coords[2 * static_cast<std::size_t>(k)];
+      const double y = set.coords[2 * static_cast<std::size_t>(k) + 1];
+      const std::int32_t cell = point_cell(disv, locator, frame.x(x), frame.y(y), near, scratch);
+      append_point_row(text, k + 1, file, x + state.x_offset, y + state.y_offset, cell);
+    }
+  }
+  write_text_file(state, name, text);
+}
+
+void write_zones(RunState& state, const DisvGrid& disv, const CellLocator& locator, const GridFrame& frame,
+                 const std::string& name) {
+  std::string text = zones_header();
+  std::vector<ZoneCell> cells;
+  for (std::size_t p = 0; p < state.inner_polygons.size(); ++p) {
+    const BoundaryRing& polygon = state.inner_polygons[p];
+    const std::vector<double> xy =
+        without_closing_vertex(in_grid_frame(frame, polygon.vertices, polygon.vertex_count));
+    zone_cells(disv, locator, xy.data(), static_cast<std::int32_t>(xy.size() / 2), cells);
+    append_zone_rows(text, static_cast<std::int32_t>(p + 1), trimmed(state.control.inner_polygon_files[p]), cells);
+  }
+  write_text_file(state, name, text);
+}
+
+DomainRings domain_rings(const RunState& state, const GridFrame& frame) {
+  DomainRings rings;
+  rings.outer = in_grid_frame(frame, state.outer_boundary.vertices, state.outer_boundary.vertex_count);
+  for (const BoundaryRing& hole : state.inner_boundaries) {
+    rings.holes.push_back(in_grid_frame(frame, hole.vertices, hole.vertex_count));
+  }
+  return rings;
+}
+
+void make_report(RunState& state) {
+  const ControlData& c = state.control;
+  const std::string stem = trimmed(c.mf6_basename);
+  const std::string grid_name = stem + ".disv";
+  *state.screen << "\n - reading file " << grid_name << "...\n";
+  DisvGrid disv;
+  read_disv_grid(state, grid_name, std::string(kMesherCommand) + " " + state.control_file_name, disv);
+  *state.screen << " - file " << grid_name << " read ok.\n";
+
+  // The origin as the mesher resolves it: both given, or both 0.0.
+  GridFrame frame;
+  if (real_is_set(c.xorigin)) {
+    frame.xorigin = c.xorigin;
+    frame.yorigin = c.yorigin;
+  }
+  frame.x_offset = state.x_offset;
+  frame.y_offset = state.y_offset;
+
+  CellLocator locator;
+  build_cell_locator(disv, locator);
+  *state.screen << "\n - finding the cells of inner lines, points and polygons...\n";
+  write_reaches(state, disv, locator, frame, stem + "_reaches.csv");
+  write_points(state, disv, locator, frame, stem + "_points.csv");
+  write_zones(state, disv, locator, frame, stem + "_zones.csv");
+
+  *state.screen << "\n - assessing and drawing the grid...\n";
+  PictureLayers layers;
+  layers.rings = domain_rings(state, frame);
+  for (const BoundaryRing& polygon : state.inner_polygons) {
+    layers.zones.push_back(in_grid_frame(frame, polygon.vertices, polygon.vertex_count));
+  }
+  for (const BoundaryRing& line : state.inner_lines) {
+    layers.lines.push_back(in_grid_frame(frame, line.vertices, line.vertex_count));
+  }
+  for (const PointSet& set : state.inner_point_sets) {
+    const std::vector<double> xy = in_grid_frame(frame, set.coords, set.count);
+    layers.points.insert(layers.points.end(), xy.begin(), xy.end());
+  }
+  layers.world_x0 = frame.xorigin;
+  layers.world_y0 = frame.yorigin;
+  layers.title = grid_name + ": " + format_integer(disv.ncpl) + " cells";
+  write_text_file(state, stem + "_grid.svg", grid_picture(disv, layers));
+
+  const GridQuality quality = assess_grid(disv, layers.rings, c.poly_growth_rate);
+  const std::string text = quality_text(quality, grid_name);
+  write_text_file(state, stem + "_quality.txt", text);
+  *state.screen << text;
+}
+
+}  // namespace
+
+int run_report(int argc, const char* const* argv, std::ostream& screen) {
+  RunState state;
+  state.screen = &screen;
+  run_to_one_exit(state, [&] {
+    initialise_run_state(state);
+    screen << "\n TESSERAMILL-REPORT version " << state.version_text << " by Larkspur Analytics.\n";
+    state.control_file_name = command_line_argument(argc, argv);
+    if (state.control_file_name.empty()) {
+      print_usage(screen);
+      release_run_state(state);
+      return;
+    }
+    run_phase(state, Phase::kReadControlFile);
+    run_phase(state, Phase::kReadBoundaryFiles);
+    make_report(state);
+    release_run_state(state);
+  });
+  screen.flush();
+  return 0;
+}
+
+}  // namespace tesseramill
