@@ -272,6 +272,14 @@ TEST_P(DegenerateInput, EndsWithItsExactScreen) {
   const RunResult result = run_binary(dir, {"t.in"});
   EXPECT_EQ(result.screen, c.screen);
   EXPECT_EQ(result.status, 0);
+  // A degenerate model that still ends in a grid must give one MODFLOW 6
+  // takes, unless the grid file's ten digits cannot hold its coordinates
+  // (the report's own test shows that case and how XORIGIN mends it).
+  const std::string last_file = " - file m.oc written ok.\n";
+  if (std::string(c.name) != "CoordinatesOf1e12" && result.screen.size() >= last_file.size() &&
+      result.screen.compare(result.screen.size() - last_file.size(), last_file.size(), last_file) == 0) {
+    expect_ready_for_modflow(dir.path(), "t.in");
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Battery, DegenerateInput, testing::ValuesIn(cases()),

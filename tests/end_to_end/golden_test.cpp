@@ -17,21 +17,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string read_file(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
-fs::path source(const std::string& relative) { return fs::path(TESSERAMILL_SOURCE_DIR) / relative; }
-
-void copy_inputs(const ScratchDir& dir, const fs::path& from) {
-  for (const auto& entry : fs::directory_iterator(from)) {
-    fs::copy_file(entry.path(), dir.path() / entry.path().filename(), fs::copy_options::overwrite_existing);
-  }
-}
-
 std::set<std::string> names_in(const fs::path& folder) {
   std::set<std::string> names;
   for (const auto& entry : fs::directory_iterator(folder)) names.insert(entry.path().filename().string());
@@ -41,7 +26,7 @@ std::set<std::string> names_in(const fs::path& folder) {
 // Runs a model and compares everything it writes with the golden folder.
 void expect_golden_run(const fs::path& inputs, const std::string& control, const fs::path& golden) {
   ScratchDir dir;
-  copy_inputs(dir, inputs);
+  copy_folder(inputs, dir.path());
   RunResult result = run_binary(dir, {control});
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.screen, read_file(golden / "screen.txt"));
@@ -53,14 +38,15 @@ void expect_golden_run(const fs::path& inputs, const std::string& control, const
   for (const std::string& name : expected) {
     EXPECT_EQ(read_file(dir.path() / name), read_file(golden / name)) << name;
   }
+  expect_ready_for_modflow(dir.path(), control);
 }
 
 TEST(Golden, SquareModel) {
-  expect_golden_run(source("tests/models/square"), "square.in", source("tests/golden/square"));
+  expect_golden_run(source_path("tests/models/square"), "square.in", source_path("tests/golden/square"));
 }
 
 TEST(Golden, ModelWithEveryKindOfInput) {
-  expect_golden_run(source("examples/full"), "model.in", source("tests/golden/full"));
+  expect_golden_run(source_path("examples/full"), "model.in", source_path("tests/golden/full"));
 }
 
 // Counts the rows of the boundary cell table: one per ring point.
@@ -108,36 +94,38 @@ void check_grid(const std::string& disv, const std::string& boundary_table, doub
 }
 
 TEST(GridValidity, SquareModel) {
-  const fs::path golden = source("tests/golden/square");
+  const fs::path golden = source_path("tests/golden/square");
   check_grid(read_file(golden / "square.disv"), read_file(golden / "sq_boundary_cells.dat"), 10000.0);
 }
 
 TEST(GridValidity, ModelWithEveryKindOfInput) {
-  const fs::path golden = source("tests/golden/full");
-  const double area = bln_ring_area(read_file(source("examples/full/outer.bln"))) -
-                      bln_ring_area(read_file(source("examples/full/pond.bln")));
+  const fs::path golden = source_path("tests/golden/full");
+  const double area = bln_ring_area(read_file(source_path("examples/full/outer.bln"))) -
+                      bln_ring_area(read_file(source_path("examples/full/pond.bln")));
   check_grid(read_file(golden / "ev.disv"), read_file(golden / "ev_boundary_cells.dat"), area);
 }
 
 TEST(GridValidity, TwoHolesCrossingLinesAndWells) {
   ScratchDir dir;
-  copy_inputs(dir, source("tests/models/two_holes"));
+  copy_folder(source_path("tests/models/two_holes"), dir.path());
   RunResult result = run_binary(dir, {"m.in"});
   ASSERT_NE(result.screen.find(" - file m.oc written ok.\n"), std::string::npos) << result.screen;
   const double area = bln_ring_area(dir.read("outer.bln")) - bln_ring_area(dir.read("hole1.bln")) -
                       bln_ring_area(dir.read("hole2.bln"));
   check_grid(dir.read("m.disv"), dir.read("m_boundary_cells.dat"), area);
+  expect_ready_for_modflow(dir.path(), "m.in");
 }
 
 TEST(GridValidity, CatchmentExample) {
   ScratchDir dir;
-  copy_inputs(dir, source("examples/catchment"));
+  copy_folder(source_path("examples/catchment"), dir.path());
   RunResult result = run_binary(dir, {"catchment.in"});
   ASSERT_NE(result.screen.find(" - file catchment.oc written ok.\n"), std::string::npos) << result.screen;
   const double area = bln_ring_area(dir.read("divide.bln")) - bln_ring_area(dir.read("lake.bln"));
   check_grid(dir.read("catchment.disv"), dir.read("catchment_boundary_cells.dat"), area);
   // The screen of the bundled example is part of what README shows.
-  EXPECT_EQ(result.screen, read_file(source("tests/golden/catchment_screen.txt")));
+  EXPECT_EQ(result.screen, read_file(source_path("tests/golden/catchment_screen.txt")));
+  expect_ready_for_modflow(dir.path(), "catchment.in");
 }
 
 int mif_regions(const std::string& mif) {
@@ -152,7 +140,7 @@ TEST(MapFiles, OpenInAGisReader) {
   if (std::system("command -v ogrinfo > /dev/null 2>&1") != 0) {
     GTEST_SKIP() << "ogrinfo (Debian package gdal-bin) is not installed: MIF files not opened";
   }
-  const fs::path golden = source("tests/golden/full");
+  const fs::path golden = source_path("tests/golden/full");
   for (const char* name : {"ev_triangles_3.mif", "ev_polygons_3.mif"}) {
     ScratchDir dir;
     const std::string stem = fs::path(name).stem().string();
@@ -175,7 +163,7 @@ namespace {
 
 std::vector<std::string> golden_lines(const std::string& model, const std::string& name) {
   std::vector<std::string> lines;
-  std::istringstream in(read_file(source("tests/golden/" + model) / name));
+  std::istringstream in(read_file(source_path("tests/golden/" + model) / name));
   std::string line;
   while (std::getline(in, line)) lines.push_back(line);
   return lines;

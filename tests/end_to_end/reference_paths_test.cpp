@@ -23,13 +23,6 @@ struct WholeRun {
   std::map<std::string, std::string> files;  // everything the run wrote
 };
 
-std::string read_file(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
 // Runs the program in `dir` on `control`, in this process.
 WholeRun run_in(const fs::path& dir, const std::string& control, bool reference) {
   std::map<std::string, bool> inputs;
@@ -51,12 +44,6 @@ WholeRun run_in(const fs::path& dir, const std::string& control, bool reference)
   return run;
 }
 
-void copy_folder(const fs::path& from, const fs::path& to) {
-  for (const auto& entry : fs::directory_iterator(from)) {
-    fs::copy_file(entry.path(), to / entry.path().filename(), fs::copy_options::overwrite_existing);
-  }
-}
-
 // Runs both paths on copies of the same inputs and compares everything.
 void expect_identical_runs(const fs::path& inputs, const std::string& control) {
   ScratchDir fast_dir;
@@ -73,15 +60,14 @@ void expect_identical_runs(const fs::path& inputs, const std::string& control) {
     ASSERT_TRUE(fast.files.count(name)) << name;
     EXPECT_TRUE(fast.files.at(name) == text) << name << " differs";
   }
+  expect_ready_for_modflow(fast_dir.path(), control);
 }
 
-fs::path source(const std::string& relative) { return fs::path(TESSERAMILL_SOURCE_DIR) / relative; }
+TEST(ReferencePaths, SquareModel) { expect_identical_runs(source_path("tests/models/square"), "square.in"); }
 
-TEST(ReferencePaths, SquareModel) { expect_identical_runs(source("tests/models/square"), "square.in"); }
+TEST(ReferencePaths, ModelWithEveryKindOfInput) { expect_identical_runs(source_path("examples/full"), "model.in"); }
 
-TEST(ReferencePaths, ModelWithEveryKindOfInput) { expect_identical_runs(source("examples/full"), "model.in"); }
-
-TEST(ReferencePaths, TwoHolesCrossingLinesAndWells) { expect_identical_runs(source("tests/models/two_holes"), "m.in"); }
+TEST(ReferencePaths, TwoHolesCrossingLinesAndWells) { expect_identical_runs(source_path("tests/models/two_holes"), "m.in"); }
 
 // Models of the family with their features, growth rates, grid sizes and
 // Lloyd settings drawn at random, coarse enough for the literal steps: a
@@ -114,14 +100,14 @@ TEST(ReferencePaths, RandomModels) {
 }
 
 // The family's model of about 30,000 cells (30,651 with 30 Lloyd passes).
-// Its reference run takes hours, so the digests of what the reference path
+// Its reference run takes about an hour, so the digests of what the reference path
 // writes are recorded in tests/golden/large/reference.sha256; the fast run
 // is compared with them here.  ReferencePathsRecorded re-derives them.
 const char* const kRecordedDigests = "tests/golden/large/reference.sha256";
 
 std::map<std::string, std::string> recorded_digests() {
   std::map<std::string, std::string> digests;
-  std::istringstream lines(read_file(source(kRecordedDigests)));
+  std::istringstream lines(read_file(source_path(kRecordedDigests)));
   std::string digest;
   std::string name;
   while (lines >> digest >> name) digests[name] = digest;
@@ -134,8 +120,7 @@ std::map<std::string, std::string> digests_of(const WholeRun& run) {
   return digests;
 }
 
-WholeRun large_run(bool reference) {
-  ScratchDir dir;
+WholeRun large_run(const ScratchDir& dir, bool reference) {
   tesseramill_bench::write_model(tesseramill_bench::family_model(3e4), dir.path());
   return run_in(dir.path(), "model.in", reference);
 }
@@ -143,13 +128,16 @@ WholeRun large_run(bool reference) {
 TEST(ReferencePaths, LargeModelWritesWhatTheReferencePathWrote) {
   const std::map<std::string, std::string> recorded = recorded_digests();
   ASSERT_GT(recorded.size(), 20u);
-  EXPECT_EQ(digests_of(large_run(false)), recorded);
+  ScratchDir dir;
+  EXPECT_EQ(digests_of(large_run(dir, false)), recorded);
+  expect_ready_for_modflow(dir.path(), "model.in");
 }
 
-// Takes hours: run it with --gtest_also_run_disabled_tests to confirm the
+// Takes about an hour: run it with --gtest_also_run_disabled_tests to confirm the
 // recorded digests from the reference path itself.
 TEST(ReferencePaths, DISABLED_ReferencePathsRecorded) {
-  const std::map<std::string, std::string> digests = digests_of(large_run(true));
+  ScratchDir dir;
+  const std::map<std::string, std::string> digests = digests_of(large_run(dir, true));
   std::ostringstream listing;
   for (const auto& [name, digest] : digests) listing << digest << "  " << name << "\n";
   EXPECT_EQ(digests, recorded_digests()) << "the reference path wrote:\n" << listing.str();
