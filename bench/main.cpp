@@ -33,13 +33,13 @@
 #include "run/program.h"
 
 namespace fs = std::filesystem;
-using tesseramill_bench::ModelSpec;
+using tesseramill_bench::ModelRecipe;
 
 namespace {
 
 struct Row {
   std::string name;
-  ModelSpec spec;
+  ModelRecipe recipe;
   bool with_reference = false;
 };
 
@@ -161,18 +161,18 @@ std::string pad(const std::string& text, std::size_t width) {
   return text.size() >= width ? text : std::string(width - text.size(), ' ') + text;
 }
 
-ModelSpec outline_model() {
+ModelRecipe outline_model() {
   // About 30,000 cells inside an outline of 2,000 vertices with wiggles of
   // many wavelengths, as a surveyed catchment divide has them.  Its short
   // segments make a wide band of small cells along the divide, which a
   // growth rate of 1.3 keeps to this size.
-  ModelSpec spec = tesseramill_bench::family_model(3e4);
-  spec.outline_vertices = 2000;
-  spec.outline_roughness = 0.06;
-  spec.scale = 3.5;
-  spec.growth = 1.3;
-  spec.max_cells = 200000;
-  return spec;
+  ModelRecipe recipe = tesseramill_bench::family_model(3e4);
+  recipe.outline_vertices = 2000;
+  recipe.outline_roughness = 0.06;
+  recipe.scale = 3.5;
+  recipe.growth = 1.3;
+  recipe.max_cells = 200000;
+  return recipe;
 }
 
 std::string size_label(double size) {
@@ -185,14 +185,14 @@ std::string size_label(double size) {
 std::vector<Row> family(const std::vector<double>& sizes, bool with_outline) {
   std::vector<Row> rows;
   for (double size : sizes) {
-    ModelSpec spec = tesseramill_bench::family_model(size);
+    ModelRecipe recipe = tesseramill_bench::family_model(size);
     const std::string label = "family " + size_label(size);
     if (size >= 1e6) {
-      spec.max_lloyd = 3;
-      rows.push_back({label + ", 3 passes", spec, false});
-      spec.max_lloyd = -1;
+      recipe.max_lloyd = 3;
+      rows.push_back({label + ", 3 passes", recipe, false});
+      recipe.max_lloyd = -1;
     }
-    rows.push_back({label, spec, size <= 3e4});
+    rows.push_back({label, recipe, size <= 3e4});
   }
   if (with_outline) rows.push_back({"outline of 2000 vertices", outline_model(), false});
   return rows;
@@ -212,10 +212,10 @@ int main(int argc, char** argv) {
   std::vector<std::string> args(argv + 1, argv + argc);
   if (!args.empty() && args[0] == "--run-one") return run_one(args.size() > 1 && args[1] == "--reference");
   if (!args.empty() && args[0] == "--write" && args.size() >= 3) {
-    ModelSpec spec =
+    ModelRecipe recipe =
         args[1] == "outline" ? outline_model() : tesseramill_bench::family_model(std::atof(args[1].c_str()));
-    if (args.size() > 3) spec.max_lloyd = std::atoi(args[3].c_str());
-    tesseramill_bench::write_model(spec, args[2]);
+    if (args.size() > 3) recipe.max_lloyd = std::atoi(args[3].c_str());
+    tesseramill_bench::write_model(recipe, args[2]);
     return 0;
   }
   std::vector<double> sizes = {1e3, 1e4, 3e4, 1e5, 1e6};
@@ -246,7 +246,7 @@ int main(int argc, char** argv) {
     const fs::path fast = scratch / "fast";
     const fs::path reference = scratch / "reference";
     fs::remove_all(scratch);
-    tesseramill_bench::write_model(row.spec, fast);
+    tesseramill_bench::write_model(row.recipe, fast);
     const Timing t = time_library(fast, false);
     double total = 0.0;
     for (double s : t.phase) total += s;
@@ -256,7 +256,7 @@ int main(int argc, char** argv) {
               << pad(fixed(t.phase[6] + t.phase[7], 2), 7) << pad(fixed(total, 2), 8)
               << pad(t.cells > 0 ? std::to_string(t.peak_kib * 1024 / t.cells) : "-", 8);
     if (row.with_reference) {
-      tesseramill_bench::write_model(row.spec, reference);
+      tesseramill_bench::write_model(row.recipe, reference);
       const Timing r = time_library(reference, true);
       double reference_total = 0.0;
       for (double s : r.phase) reference_total += s;
@@ -266,7 +266,7 @@ int main(int argc, char** argv) {
     }
     if (!other_binary.empty()) {
       const fs::path other = scratch / "other";
-      tesseramill_bench::write_model(row.spec, other);
+      tesseramill_bench::write_model(row.recipe, other);
       const Timing o = time_binary(other_binary, other);
       std::cout << pad(o.ok ? fixed(o.wall, 2) : "failed", 9)
                 << pad(o.ok && t.cells > 0 ? std::to_string(o.peak_kib * 1024 / t.cells) : "-", 8);

@@ -75,46 +75,46 @@ void write_bln(const std::filesystem::path& path, const std::vector<Point>& poin
 
 }  // namespace
 
-double expected_cells(const ModelSpec& spec) {
+double expected_cells(const ModelRecipe& recipe) {
   // Measured on the family: about 8,918 / scale^2 + 14,388 / scale cells at
   // a radius of 20 km, the first part growing with the area.
-  const double r = spec.radius / 20000.0;
-  return 8918.0 * r * r / (spec.scale * spec.scale) + 14388.0 * r / spec.scale;
+  const double r = recipe.radius / 20000.0;
+  return 8918.0 * r * r / (recipe.scale * recipe.scale) + 14388.0 * r / recipe.scale;
 }
 
-ModelSpec family_model(double cells) {
+ModelRecipe family_model(double cells) {
   // Scales measured on the family to give about the number of cells asked for.
-  ModelSpec spec;
+  ModelRecipe recipe;
   if (cells <= 1e3) {
-    spec.scale = 10.5;
-    spec.refinement = 0.5;
-    spec.wells = 1;
+    recipe.scale = 10.5;
+    recipe.refinement = 0.5;
+    recipe.wells = 1;
   } else if (cells <= 1e4) {
-    spec.scale = 1.6;
-    spec.refinement = 0.75;
-    spec.wells = 3;
+    recipe.scale = 1.6;
+    recipe.refinement = 0.75;
+    recipe.wells = 3;
   } else {
     // Cells are about 8,918 / scale^2 for the area plus 14,388 / scale for
     // the bands of finer cells along the boundaries and the river.
     const double inverse = (-14388.0 + std::sqrt(14388.0 * 14388.0 + 4.0 * 8918.0 * cells)) / (2.0 * 8918.0);
-    spec.scale = 1.0 / inverse;
+    recipe.scale = 1.0 / inverse;
   }
   // An outline of segments about as long as its spacing, up to 64 of them.
-  const double outer_spacing = kMaxSeparation * spec.scale * std::pow(kOuterRatio, spec.refinement);
-  spec.outline_vertices = std::clamp(static_cast<int>(2 * kPi * spec.radius / outer_spacing), 16, 64);
-  return spec;
+  const double outer_spacing = kMaxSeparation * recipe.scale * std::pow(kOuterRatio, recipe.refinement);
+  recipe.outline_vertices = std::clamp(static_cast<int>(2 * kPi * recipe.radius / outer_spacing), 16, 64);
+  return recipe;
 }
 
-std::string write_model(const ModelSpec& spec, const std::filesystem::path& folder) {
+std::string write_model(const ModelRecipe& recipe, const std::filesystem::path& folder) {
   std::filesystem::create_directories(folder);
-  Random random(spec.seed * 0x2545F4914F6CDD1DULL + 12345);
+  Random random(recipe.seed * 0x2545F4914F6CDD1DULL + 12345);
   const double cx = 512000.0;
   const double cy = 6234000.0;
-  const double R = spec.radius;
-  const double largest = kMaxSeparation * spec.scale;
-  auto spacing = [&](double ratio) { return largest * std::pow(ratio, spec.refinement); };
+  const double R = recipe.radius;
+  const double largest = kMaxSeparation * recipe.scale;
+  auto spacing = [&](double ratio) { return largest * std::pow(ratio, recipe.refinement); };
 
-  const std::vector<Point> outer = star_ring(random, cx, cy, R, spec.outline_vertices, spec.outline_roughness);
+  const std::vector<Point> outer = star_ring(random, cx, cy, R, recipe.outline_vertices, recipe.outline_roughness);
   write_bln(folder / "outer.bln", outer, spacing(kOuterRatio));
 
   const double lake_x = cx - 0.3 * R;
@@ -124,12 +124,12 @@ std::string write_model(const ModelSpec& spec, const std::filesystem::path& fold
   auto vertices_for = [](double length, double step, int fewest, int most) {
     return std::clamp(static_cast<int>(length / step), fewest, most);
   };
-  if (spec.lake) {
+  if (recipe.lake) {
     const int n = vertices_for(2 * kPi * 0.1 * R, spacing(kLakeRatio), 8, 48);
     write_bln(folder / "lake.bln", star_ring(random, lake_x, lake_y, 0.1 * R, n, 0.0), spacing(kLakeRatio));
   }
 
-  if (spec.river) {
+  if (recipe.river) {
     // From beyond the boundary in the south-east, meandering towards the lake.
     std::vector<Point> river;
     const Point from{cx + 0.9 * R, cy - 0.9 * R};
@@ -147,14 +147,14 @@ std::string write_model(const ModelSpec& spec, const std::filesystem::path& fold
     write_bln(folder / "river.bln", river, spacing(kRiverRatio));
   }
 
-  if (spec.wells > 0) {
+  if (recipe.wells > 0) {
     // A well field east of the centre, on a loose grid whose wells keep
     // well clear of one another's separations.
     // Coarse models fit fewer wells in the field's 0.3 R.
     const double step = std::max(0.06 * R, 3.0 * spacing(kWellRatio));
     const int fit = 1 + static_cast<int>(0.3 * R / step);
     const int columns = std::min(3, fit);
-    const int count = std::min(spec.wells, columns * fit);
+    const int count = std::min(recipe.wells, columns * fit);
     std::vector<Point> wells;
     for (int i = 0; i < count; ++i) {
       wells.push_back({cx + 0.25 * R + (i % columns) * step + random.uniform(-0.01, 0.01) * R,
@@ -165,7 +165,7 @@ std::string write_model(const ModelSpec& spec, const std::filesystem::path& fold
     for (const Point& p : wells) out << number(p.x) << "  " << number(p.y) << "  " << number(spacing(kWellRatio)) << "\n";
   }
 
-  if (spec.zone) {
+  if (recipe.zone) {
     // A rotated rectangle in the south-west where the cells stay finer.
     const double zx = cx - 0.35 * R;
     const double zy = cy - 0.35 * R;
@@ -180,23 +180,23 @@ std::string write_model(const ModelSpec& spec, const std::filesystem::path& fold
     write_bln(folder / "zone.bln", zone, 0.0);
   }
 
-  const int max_cells = spec.max_cells > 0 ? spec.max_cells
-                                           : static_cast<int>(std::max(5000.0, 3.0 * expected_cells(spec)));
+  const int max_cells = recipe.max_cells > 0 ? recipe.max_cells
+                                           : static_cast<int>(std::max(5000.0, 3.0 * expected_cells(recipe)));
   std::ofstream control(folder / "model.in", std::ios::binary);
   control << "START CONTROL\n"
           << "  MAX_CENTROID_SEPARATION = " << number(largest) << "\n"
-          << "  POLY_GROWTH_RATE = " << spec.growth << "\n"
+          << "  POLY_GROWTH_RATE = " << recipe.growth << "\n"
           << "  OUT_FILE_BASE = model\n"
           << "  MAX_CELLS = " << max_cells << "\n";
-  if (spec.max_lloyd >= 0) control << "  MAX_LLOYD = " << spec.max_lloyd << "\n";
-  if (spec.nsdim > 0) control << "  NSDIM = " << spec.nsdim << "\n";
-  if (spec.safety >= 0) control << "  SAFETY = " << spec.safety << "\n";
-  if (spec.lloyd_fac > 0) control << "  LLOYD_FAC = " << spec.lloyd_fac << "\n";
+  if (recipe.max_lloyd >= 0) control << "  MAX_LLOYD = " << recipe.max_lloyd << "\n";
+  if (recipe.nsdim > 0) control << "  NSDIM = " << recipe.nsdim << "\n";
+  if (recipe.safety >= 0) control << "  SAFETY = " << recipe.safety << "\n";
+  if (recipe.lloyd_fac > 0) control << "  LLOYD_FAC = " << recipe.lloyd_fac << "\n";
   control << "END CONTROL\n\nSTART OUTER_BOUNDARY\n  BLN_FILE = outer.bln\nEND OUTER_BOUNDARY\n";
-  if (spec.lake) control << "\nSTART INNER_BOUNDARY\n  BLN_FILE = lake.bln\nEND INNER_BOUNDARY\n";
-  if (spec.river) control << "\nSTART INNER_LINE\n  NUMLINES = 1\n  BLN_FILE = river.bln\nEND INNER_LINE\n";
-  if (spec.wells > 0) control << "\nSTART INNER_POINTS\n  BLN_FILE = wells.bln\nEND INNER_POINTS\n";
-  if (spec.zone) {
+  if (recipe.lake) control << "\nSTART INNER_BOUNDARY\n  BLN_FILE = lake.bln\nEND INNER_BOUNDARY\n";
+  if (recipe.river) control << "\nSTART INNER_LINE\n  NUMLINES = 1\n  BLN_FILE = river.bln\nEND INNER_LINE\n";
+  if (recipe.wells > 0) control << "\nSTART INNER_POINTS\n  BLN_FILE = wells.bln\nEND INNER_POINTS\n";
+  if (recipe.zone) {
     control << "\nSTART INNER_POLYGON\n  BLN_FILE = zone.bln\n  MAX_CENTROID_SEPARATION = "
             << number(spacing(kZoneRatio)) << "\nEND INNER_POLYGON\n";
   }

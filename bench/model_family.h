@@ -30,7 +30,7 @@ struct Random {
   }
 };
 
-struct ModelSpec {
+struct ModelRecipe {
   std::uint64_t seed = 1;
   double scale = 1.0;           // multiplies every spacing
   // The features' spacings are the largest spacing times their ratio to it
@@ -53,15 +53,15 @@ struct ModelSpec {
 };
 
 // Writes model.in and its BLN files into `folder`; gives the control file's name.
-std::string write_model(const ModelSpec& spec, const std::filesystem::path& folder);
+std::string write_model(const ModelRecipe& recipe, const std::filesystem::path& folder);
 
 // A rough number of cells the model will have, for choosing MAX_CELLS; the
 // run itself tells the real number.
-double expected_cells(const ModelSpec& spec);
+double expected_cells(const ModelRecipe& recipe);
 
 // The family's model of about `cells` cells (1e3, 1e4, 3e4, 1e5 or 1e6):
 // milder refinement and fewer wells for the small ones, whose cells would
 // otherwise all go to the levels of growth round the features.
-ModelSpec family_model(double cells);
+ModelRecipe family_model(double cells);
 
 }  // namespace tesseramill_bench

@@ -17,7 +17,7 @@
 namespace tesseramill {
 namespace {
 
-using tesseramill_bench::ModelSpec;
+using tesseramill_bench::ModelRecipe;
 namespace fs = std::filesystem;
 
 // Replays the emplacement cycles on a model with the fast path, asks the
@@ -67,60 +67,60 @@ void expect_same_proposals(const fs::path& folder, const std::string& control, i
   EXPECT_GT(checked, 20);
 }
 
-void expect_same_proposals(const ModelSpec& spec, int most, int every) {
+void expect_same_proposals(const ModelRecipe& recipe, int most, int every) {
   tesseramill_test::ScratchDir dir;
-  tesseramill_bench::write_model(spec, dir.path());
+  tesseramill_bench::write_model(recipe, dir.path());
   expect_same_proposals(dir.path(), "model.in", most, every);
 }
 
 TEST(FastEmplacement, ChoosesAsTheLiteralStepsOnTheFamily) {
-  ModelSpec spec = tesseramill_bench::family_model(1e3);
-  spec.scale = 16.0;
-  expect_same_proposals(spec, 3000, 20);
+  ModelRecipe recipe = tesseramill_bench::family_model(1e3);
+  recipe.scale = 16.0;
+  expect_same_proposals(recipe, 3000, 20);
 }
 
 TEST(FastEmplacement, ChoosesAsTheLiteralStepsWithFineFeaturesAndTheirCaps) {
   // Refinement 1 reaches the caps, so that flat rectangles, relevant
   // sources and inner polygon edges all come into play.
-  ModelSpec spec = tesseramill_bench::family_model(1e5);
-  spec.scale = 4.0;
-  expect_same_proposals(spec, 6000, 40);
+  ModelRecipe recipe = tesseramill_bench::family_model(1e5);
+  recipe.scale = 4.0;
+  expect_same_proposals(recipe, 6000, 40);
 }
 
 TEST(FastEmplacement, ChoosesAsTheLiteralStepsWithGrowthRatesNearOneAndLarge) {
   for (double growth : {1.02, 3.0}) {
-    ModelSpec spec = tesseramill_bench::family_model(1e3);
-    spec.scale = 20.0;
-    spec.growth = growth;
-    expect_same_proposals(spec, 2000, 10);
+    ModelRecipe recipe = tesseramill_bench::family_model(1e3);
+    recipe.scale = 20.0;
+    recipe.growth = growth;
+    expect_same_proposals(recipe, 2000, 10);
   }
 }
 
 TEST(FastEmplacement, ChoosesAsTheLiteralStepsWithSmallGridsAndEverySeed) {
-  ModelSpec spec = tesseramill_bench::family_model(1e3);
-  spec.scale = 16.0;
-  spec.nsdim = 7;
-  spec.safety = 3;
-  expect_same_proposals(spec, 4000, 4);
+  ModelRecipe recipe = tesseramill_bench::family_model(1e3);
+  recipe.scale = 16.0;
+  recipe.nsdim = 7;
+  recipe.safety = 3;
+  expect_same_proposals(recipe, 4000, 4);
 }
 
 TEST(FastEmplacement, ChoosesAsTheLiteralStepsInsideAnOutlineOfThousandsOfVertices) {
-  ModelSpec spec = tesseramill_bench::family_model(1e3);
-  spec.scale = 16.0;
-  spec.outline_vertices = 2000;
-  spec.outline_roughness = 0.06;
-  spec.nsdim = 15;
-  spec.max_cells = 100000;
-  expect_same_proposals(spec, 3000, 15);
+  ModelRecipe recipe = tesseramill_bench::family_model(1e3);
+  recipe.scale = 16.0;
+  recipe.outline_vertices = 2000;
+  recipe.outline_roughness = 0.06;
+  recipe.nsdim = 15;
+  recipe.max_cells = 100000;
+  expect_same_proposals(recipe, 3000, 15);
 }
 
 TEST(FastEmplacement, ChoosesAsTheLiteralStepsOnADomainOf1e7) {
   // Coordinates are shifted so that the outer boundary starts at 1000; a
   // domain 10,000 km across keeps them of the order of 1e7 after the shift.
-  ModelSpec spec = tesseramill_bench::family_model(1e3);
-  spec.radius = 5e6;
-  spec.scale = 16.0 * 250.0;
-  expect_same_proposals(spec, 3000, 20);
+  ModelRecipe recipe = tesseramill_bench::family_model(1e3);
+  recipe.radius = 5e6;
+  recipe.scale = 16.0 * 250.0;
+  expect_same_proposals(recipe, 3000, 20);
 }
 
 // Grid candidates fall exactly on the square's edges, on ring points and on

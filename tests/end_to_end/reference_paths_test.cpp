@@ -16,7 +16,7 @@ namespace tesseramill_test {
 namespace {
 
 namespace fs = std::filesystem;
-using tesseramill_bench::ModelSpec;
+using tesseramill_bench::ModelRecipe;
 
 struct WholeRun {
   std::string screen;
@@ -75,25 +75,25 @@ TEST(ReferencePaths, TwoHolesCrossingLinesAndWells) { expect_identical_runs(sour
 TEST(ReferencePaths, RandomModels) {
   Random random(51);
   for (int trial = 0; trial < 8; ++trial) {
-    ModelSpec spec = tesseramill_bench::family_model(1e3);
-    spec.seed = 100 + static_cast<std::uint64_t>(trial);
-    spec.scale = random.uniform(40, 60);
-    spec.refinement = random.uniform(0.4, 1.0);
-    spec.lake = trial % 2 == 0;
-    spec.river = trial % 3 != 1;
-    spec.wells = static_cast<int>(random.uniform(0, 4));
-    spec.zone = trial % 4 != 3;
-    spec.growth = random.uniform(1.05, 1.6);
-    spec.nsdim = 2 * static_cast<int>(random.uniform(2, 8)) + 1;
-    spec.safety = static_cast<int>(random.uniform(0, 4));
-    spec.lloyd_fac = random.uniform(0.1, 1.0);
-    spec.max_lloyd = static_cast<int>(random.uniform(0, 6));
+    ModelRecipe recipe = tesseramill_bench::family_model(1e3);
+    recipe.seed = 100 + static_cast<std::uint64_t>(trial);
+    recipe.scale = random.uniform(40, 60);
+    recipe.refinement = random.uniform(0.4, 1.0);
+    recipe.lake = trial % 2 == 0;
+    recipe.river = trial % 3 != 1;
+    recipe.wells = static_cast<int>(random.uniform(0, 4));
+    recipe.zone = trial % 4 != 3;
+    recipe.growth = random.uniform(1.05, 1.6);
+    recipe.nsdim = 2 * static_cast<int>(random.uniform(2, 8)) + 1;
+    recipe.safety = static_cast<int>(random.uniform(0, 4));
+    recipe.lloyd_fac = random.uniform(0.1, 1.0);
+    recipe.max_lloyd = static_cast<int>(random.uniform(0, 6));
     if (trial == 5) {
-      spec.outline_vertices = 80;
-      spec.outline_roughness = 0.03;
+      recipe.outline_vertices = 80;
+      recipe.outline_roughness = 0.03;
     }
     ScratchDir inputs;
-    tesseramill_bench::write_model(spec, inputs.path());
+    tesseramill_bench::write_model(recipe, inputs.path());
     SCOPED_TRACE("trial " + std::to_string(trial));
     expect_identical_runs(inputs.path(), "model.in");
   }

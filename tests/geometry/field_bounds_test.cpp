@@ -15,12 +15,12 @@
 namespace tesseramill {
 namespace {
 
-using tesseramill_bench::ModelSpec;
+using tesseramill_bench::ModelRecipe;
 using tesseramill_test::Random;
 
 // A run state with its chains built, from a model of the family.
-void state_after_boundaries(RunState& state, const ModelSpec& spec, tesseramill_test::ScratchDir& dir) {
-  tesseramill_bench::write_model(spec, dir.path());
+void state_after_boundaries(RunState& state, const ModelRecipe& recipe, tesseramill_test::ScratchDir& dir) {
+  tesseramill_bench::write_model(recipe, dir.path());
   static std::ostringstream screen;
   ASSERT_TRUE(tesseramill_test::run_phases_until(state, dir.path(), "model.in", Phase::kPopulateBoundaries, screen))
       << state.message_buffer;
@@ -85,22 +85,22 @@ TEST(FieldBounds, HoldOnTheFamilyWithEveryKindOfSource) {
   for (double growth : {1.2, 1.05, 2.0}) {
     tesseramill_test::ScratchDir dir;
     // Fine features and a cap the field reaches over most of the domain.
-    ModelSpec spec = tesseramill_bench::family_model(1e5);
-    spec.scale = 1.0;
-    spec.growth = growth;
+    ModelRecipe recipe = tesseramill_bench::family_model(1e5);
+    recipe.scale = 1.0;
+    recipe.growth = growth;
     RunState state;
-    state_after_boundaries(state, spec, dir);
+    state_after_boundaries(state, recipe, dir);
     expect_bounds_hold(state, 21 + static_cast<std::uint64_t>(growth * 100), 300, true);
   }
 }
 
 TEST(FieldBounds, HoldWithGrowthRatesNearOne) {
   tesseramill_test::ScratchDir dir;
-  ModelSpec spec = tesseramill_bench::family_model(1e3);
-  spec.growth = 1.0001;
-  spec.scale = 30.0;
+  ModelRecipe recipe = tesseramill_bench::family_model(1e3);
+  recipe.growth = 1.0001;
+  recipe.scale = 30.0;
   RunState state;
-  state_after_boundaries(state, spec, dir);
+  state_after_boundaries(state, recipe, dir);
   // So slow a growth never reaches the caps here.
   expect_bounds_hold(state, 22, 200, false);
 }
