@@ -8,14 +8,15 @@ build:
 	cmake -S . -B $(BUILD)
 	cmake --build $(BUILD) -j 2
 
-# Builds the program and runs the bundled catchment model in a scratch folder.
+# Builds both programs, runs the bundled catchment model in a scratch folder
+# and then the report on the grid it wrote.
 demo:
 	cmake -S . -B $(BUILD)
-	cmake --build $(BUILD) -j 2 --target tesseramill
+	cmake --build $(BUILD) -j 2 --target tesseramill tesseramill-report
 	rm -rf $(BUILD)/demo
 	mkdir -p $(BUILD)/demo
 	cp examples/catchment/* $(BUILD)/demo/
-	cd $(BUILD)/demo && ../tesseramill catchment.in
+	cd $(BUILD)/demo && ../tesseramill catchment.in && ../tesseramill-report catchment.in
 
 # Builds everything and runs every test.
 test: build
