@@ -64,11 +64,20 @@ double tick_step(double range, int parts) {
 
 std::string number(double value, int decimals) { return format_fixed(value, 0, decimals); }
 
+// Picture coordinates are kept within this many units of the origin.  A
+// layer far outside the grid, or a grid whose vertices all fall on one
+// place, would otherwise scale past any integer; pinned here such a shape
+// lies far off the canvas, where it is not seen, and the relative steps
+// between two pinned points cannot overflow.
+constexpr double kFarthest = 1.0e9;
+
+long picture_units(double units) { return std::lround(std::clamp(units, -kFarthest, kFarthest)); }
+
 struct Frame {
   double x0, y1;     // the grid frame's left and top
   double scale;      // picture units per grid unit
-  long px(double x) const { return std::lround((kLeft * kUnit) + (x - x0) * scale); }
-  long py(double y) const { return std::lround((kTop * kUnit) + (y1 - y) * scale); }
+  long px(double x) const { return picture_units((kLeft * kUnit) + (x - x0) * scale); }
+  long py(double y) const { return picture_units((kTop * kUnit) + (y1 - y) * scale); }
 };
 
 void append_polyline(std::string& d, const Frame& f, const std::vector<double>& xy, bool closed) {
@@ -181,15 +190,20 @@ std::string grid_picture(const DisvGrid& disv, const PictureLayers& layers) {
   const double bottom = (kTop + plot_h) * kUnit;
   svg += "<path class=\"axis\" d=\"M" + number(left, 0) + " " + number(top, 0) + "V" + number(bottom, 0) + "H" +
          number(right, 0) + "\"/>\n";
-  // Ticks at whole multiples of the step, counted so that a step too small
-  // for the coordinates' digits cannot loop; labels with the decimals the
-  // step needs.
+  // Ticks at whole multiples of the step, with labels of the decimals the
+  // step needs.  They are counted by an integer: where the step is too small
+  // for the coordinates' digits, first + 1 equals first, and a loop that
+  // added 1 to a double would never end.
   auto ticks = [&](double low, double high, double step, auto place) {
     const double first = std::ceil(low / step);
     const double last = std::floor(high / step);
     if (!(last - first < 50.0)) return;
     const int decimals = std::clamp(static_cast<int>(-std::floor(std::log10(step))), 0, 9);
-    for (double k = first; k <= last; k += 1.0) place(k * step, number(k * step, decimals));
+    const int count = static_cast<int>(last - first);
+    for (int i = 0; i <= count; ++i) {
+      const double k = first + i;
+      place(k * step, number(k * step, decimals));
+    }
   };
   ticks(xmin + layers.world_x0, xmax + layers.world_x0, tick_step(width, 6), [&](double x, const std::string& label) {
     const long px = f.px(x - layers.world_x0);

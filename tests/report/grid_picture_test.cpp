@@ -50,6 +50,29 @@ TEST(GridPicture, StaysWellFormedForFlatAndTinyAndFarAwayGrids) {
   }
 }
 
+TEST(GridPicture, PinsShapesFarOutsideACollapsedGrid) {
+  // Every vertex at one place, as in a grid file whose digits could not
+  // tell the corners apart, and the boundary a long way off: the boundary
+  // is pinned a billion units off the canvas rather than scaled past any
+  // integer, and the axes, whose tick step is then far below the digits of
+  // the coordinates, still end.
+  tesseramill::DisvGrid grid = unit_squares(2, 1);
+  for (double& v : grid.vertices) v = 5.0;
+  tesseramill::PictureLayers layers = layers_for(2, 1);
+  layers.rings.outer = {5.0, 5.0, 6.0, 5.0, 6.0, 6.0, 5.0, 6.0, 5.0, 5.0};
+  const std::string svg = tesseramill::grid_picture(grid, layers);
+  std::string error;
+  EXPECT_TRUE(well_formed_xml(svg, error)) << error;
+  const std::size_t rim = svg.find("class=\"rim\"");
+  ASSERT_NE(rim, std::string::npos);
+  const std::size_t d = svg.find(" d=\"", rim);
+  ASSERT_NE(d, std::string::npos);
+  EXPECT_EQ(svg.substr(d, svg.find('"', d + 4) + 1 - d),
+            " d=\"M1200 600l999998800 0l0 -1000000600l-999998800 0l0 1000000600z\"");
+  // The axes get one tick each, at the one place the grid has.
+  EXPECT_EQ(count_of(svg, ">5.000000000</text>"), 2u);
+}
+
 TEST(GridPicture, GivesEveryCellItsAreaClass) {
   // Cells of areas 1 and 4: the smallest in the first class, the largest in
   // the last.
