@@ -173,23 +173,34 @@ void read_disv_grid(RunState& state, const std::string& name, const std::string&
         if (word_is(key, "NVERT")) grid.nvert = r.integer();
       }
     } else if (word_is(block, "VERTICES")) {
+      // The lines are read before the table is sized, so that memory follows
+      // what the file holds and not what its NVERT claims.
       if (grid.nvert < 1) r.fail_line();
-      grid.vertices.assign(2 * static_cast<std::size_t>(grid.nvert), 0.0);
+      std::vector<std::int32_t> numbers;
+      std::vector<double> xy;
       for (std::int32_t k = 1; k <= grid.nvert; ++k) {
         const std::int32_t number = r.integer();
         if (number < 1 || number > grid.nvert) r.fail_line();
-        grid.vertices[2 * static_cast<std::size_t>(number - 1)] = r.real();
-        grid.vertices[2 * static_cast<std::size_t>(number - 1) + 1] = r.real();
+        numbers.push_back(number);
+        xy.push_back(r.real());
+        xy.push_back(r.real());
+      }
+      grid.vertices.assign(2 * static_cast<std::size_t>(grid.nvert), 0.0);
+      for (std::size_t k = 0; k < numbers.size(); ++k) {
+        grid.vertices[2 * static_cast<std::size_t>(numbers[k] - 1)] = xy[2 * k];
+        grid.vertices[2 * static_cast<std::size_t>(numbers[k] - 1) + 1] = xy[2 * k + 1];
       }
       have_vertices = true;
     } else if (word_is(block, "CELL2D")) {
+      // Grown as the cells are read, for the same reason.
       if (grid.ncpl < 1) r.fail_line();
-      grid.centres.assign(2 * static_cast<std::size_t>(grid.ncpl), 0.0);
-      grid.cell_start.assign(static_cast<std::size_t>(grid.ncpl) + 1, 0);
+      grid.centres.clear();
+      grid.cell_vertices.clear();
+      grid.cell_start.assign(1, 0);
       for (std::int32_t k = 1; k <= grid.ncpl; ++k) {
         if (r.integer() != k) r.fail_line();
-        grid.centres[2 * static_cast<std::size_t>(k - 1)] = r.real();
-        grid.centres[2 * static_cast<std::size_t>(k - 1) + 1] = r.real();
+        grid.centres.push_back(r.real());
+        grid.centres.push_back(r.real());
         if (!read_cell_numbers(r, grid.cell_vertices)) {
           if (!read_cell_columns(r, grid.cell_vertices)) r.fail_line();
           if (grid.first_joined_cell == 0) grid.first_joined_cell = k;
@@ -202,7 +213,7 @@ void read_disv_grid(RunState& state, const std::string& name, const std::string&
                             ", which the file does not hold.");
           }
         }
-        grid.cell_start[static_cast<std::size_t>(k)] = static_cast<std::int32_t>(grid.cell_vertices.size());
+        grid.cell_start.push_back(static_cast<std::int32_t>(grid.cell_vertices.size()));
       }
       have_cells = true;
     }

@@ -139,5 +139,22 @@ TEST(DisvGridReader, RefusesWhatIsNeitherLayout) {
   EXPECT_EQ(failure.substr(failure.size() - 8), "/g.disv.") << failure;
 }
 
+// Counts that no file of this size could hold are refused where the lines
+// run out, and cost no memory before: 2,000,000,000 vertices or cells would
+// need 32 GB of tables.
+TEST(DisvGridReader, CountsBeyondTheFileEndWhereItsLinesDo) {
+  const std::string vertices = "BEGIN VERTICES\n 1 0 0\n 2 0 1\n 3 1 1\nEND VERTICES\n";
+  std::string failure;
+  read_grid("BEGIN DIMENSIONS\n NCPL 1\n NVERT 2000000000\nEND DIMENSIONS\n" + vertices +
+                "BEGIN CELL2D\n 1 0.3 0.6 3 1 2 3\nEND CELL2D\n",
+            failure);
+  EXPECT_EQ(failure.substr(0, 30), "Error reading line 9 of file /") << failure;
+  failure.clear();
+  read_grid("BEGIN DIMENSIONS\n NCPL 2000000000\n NVERT 3\nEND DIMENSIONS\n" + vertices +
+                "BEGIN CELL2D\n 1 0.3 0.6 3 1 2 3\nEND CELL2D\n",
+            failure);
+  EXPECT_EQ(failure.substr(0, 31), "Error reading line 12 of file /") << failure;
+}
+
 }  // namespace
 }  // namespace tesseramill_test
