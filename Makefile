@@ -37,16 +37,19 @@ sanitize:
 	cmake --build build-san -j 2
 	cd build-san && ASAN_OPTIONS=allocator_may_return_null=1 ctest --output-on-failure -j 2
 
-# Fuzzes the control-file reader and the BLN and point readers for
-# FUZZ_SECONDS each, starting from the seed corpus in tests/fuzz/corpus.
-# New inputs it finds are kept in build-fuzz/corpus; a crash, a leak or a
-# sanitizer report stops it with the input that caused it.
+# Fuzzes the control-file reader, the BLN and point readers and the report
+# on a grid file for FUZZ_SECONDS each, starting from the seed corpus in
+# tests/fuzz/corpus (grid files may be twice as long as the others, so that
+# the seed of a whole small grid fits).  New inputs it finds are kept in
+# build-fuzz/corpus; a crash, a leak or a sanitizer report stops it with the
+# input that caused it.
 fuzz:
 	CC=clang CXX=clang++ cmake -S . -B build-fuzz -DTESSERAMILL_FUZZ=ON -DTESSERAMILL_TESTS=OFF
 	cmake --build build-fuzz -j 2
-	for target in control_file bln_files; do \
+	for target in control_file bln_files grid_file; do \
+	  if [ $$target = grid_file ]; then max_len=8192; else max_len=4096; fi; \
 	  mkdir -p build-fuzz/corpus/$$target && \
-	  build-fuzz/$${target}_fuzz -max_total_time=$(FUZZ_SECONDS) -max_len=4096 -print_final_stats=1 \
+	  build-fuzz/$${target}_fuzz -max_total_time=$(FUZZ_SECONDS) -max_len=$$max_len -print_final_stats=1 \
 	    -artifact_prefix=$(CURDIR)/build-fuzz/ \
 	    $(CURDIR)/build-fuzz/corpus/$$target $(CURDIR)/tests/fuzz/corpus/$$target || exit 1; \
 	done
