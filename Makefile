@@ -24,7 +24,9 @@ test: build
 
 # Times the program on the benchmark's family of models, from 1,000 to a
 # million cells, and prints the table of phases, memory and the reference
-# path's time.  Takes about a quarter of an hour on two cores.
+# path's time.  Takes about an hour on two cores, most of it the reference
+# run of the 30,000-cell model; BENCH_ARGS="--sizes 1e5,1e6,outline" keeps to
+# the fast path.
 bench:
 	cmake -S . -B $(BUILD)
 	cmake --build $(BUILD) -j 2 --target tesseramill-bench

@@ -4,7 +4,8 @@
 // reference path is on the same model (and whether it wrote the same bytes).
 //
 //   tesseramill-bench                 the whole table
-//   tesseramill-bench --sizes 1e3,1e4 only these family sizes (no outline model)
+//   tesseramill-bench --sizes 1e3,1e4 only these family sizes, and the outline
+//                                     model only when the list names it
 //   tesseramill-bench --binary PATH   also time another build of the program
 //                                     on each model (whole run only)
 //   tesseramill-bench --write SIZE|outline DIR [MAX_LLOYD]
@@ -14,7 +15,9 @@
 //                                     the family's model of that size, fast
 //                                     and reference
 //
-// Each run is a child process of its own, so that its peak memory is its own.
+// Each run is a child process of its own, so that its peak memory is its own;
+// it runs this very binary through /proc/self/exe, which still names it when
+// a rebuild has replaced the file on disk meanwhile.
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -121,7 +124,7 @@ Timing spawn(const std::vector<std::string>& args, const fs::path& folder, std::
 }
 
 Timing time_library(const fs::path& folder, bool reference) {
-  std::vector<std::string> args = {fs::canonical("/proc/self/exe").string(), "--run-one"};
+  std::vector<std::string> args = {std::string("/proc/self/exe"), "--run-one"};
   if (reference) args.push_back("--reference");
   std::string out;
   Timing timing = spawn(args, folder, out);
@@ -214,7 +217,7 @@ int time_triangulation(double size) {
   recipe.max_lloyd = 0;
   tesseramill_bench::write_model(recipe, folder);
   std::string out;
-  const Timing run = spawn({fs::canonical("/proc/self/exe").string(), "--run-one"}, folder, out);
+  const Timing run = spawn({std::string("/proc/self/exe"), "--run-one"}, folder, out);
   std::ifstream table(folder / "model_polygon_centroids_0.dat");
   std::string head;
   std::getline(table, head);
@@ -303,12 +306,18 @@ int main(int argc, char** argv) {
       sizes.clear();
       std::stringstream list(args[++k]);
       std::string item;
-      while (std::getline(list, item, ',')) sizes.push_back(std::atof(item.c_str()));
       with_outline = false;
+      while (std::getline(list, item, ',')) {
+        if (item == "outline") {
+          with_outline = true;
+        } else {
+          sizes.push_back(std::atof(item.c_str()));
+        }
+      }
     } else if (args[k] == "--binary" && k + 1 < args.size()) {
       other_binary = args[++k];
     } else {
-      std::cerr << "usage: tesseramill-bench [--sizes 1e3,1e4,...] [--binary PATH]"
+      std::cerr << "usage: tesseramill-bench [--sizes 1e3,1e4,...,outline] [--binary PATH]"
                    " | --write SIZE|outline DIR [MAX_LLOYD] | --triangulation SIZE\n";
       return 2;
     }
