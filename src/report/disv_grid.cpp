@@ -205,14 +205,6 @@ void read_disv_grid(RunState& state, const std::string& name, const std::string&
           if (!read_cell_columns(r, grid.cell_vertices)) r.fail_line();
           if (grid.first_joined_cell == 0) grid.first_joined_cell = k;
         }
-        for (std::size_t i = static_cast<std::size_t>(grid.cell_start[static_cast<std::size_t>(k - 1)]);
-             i < grid.cell_vertices.size(); ++i) {
-          const std::int32_t v = grid.cell_vertices[i];
-          if (v < 1 || v > grid.nvert) {
-            fail(state, "Cell " + int_to_text(k) + " of file " + name + " names vertex " + int_to_text(v) +
-                            ", which the file does not hold.");
-          }
-        }
         grid.cell_start.push_back(static_cast<std::int32_t>(grid.cell_vertices.size()));
       }
       have_cells = true;
@@ -220,6 +212,26 @@ void read_disv_grid(RunState& state, const std::string& name, const std::string&
   }
   if (!have_vertices || !have_cells) {
     fail(state, "File " + name + " holds no complete grid: its VERTICES or CELL2D block is missing.");
+  }
+  // Each block was read with the NVERT or NCPL in force when it began; a
+  // DIMENSIONS block further down may have changed them since.  Everything
+  // that reads the grid goes by NVERT and NCPL, so the tables must hold
+  // exactly that many vertices and cells, and every vertex number must name
+  // one of them; both are checked only now that every block is in.
+  if (grid.vertices.size() != 2 * static_cast<std::size_t>(grid.nvert) ||
+      grid.cell_start.size() != static_cast<std::size_t>(grid.ncpl) + 1) {
+    fail(state, "File " + name + " holds no complete grid: its VERTICES and CELL2D blocks do not hold the NVERT " +
+                    int_to_text(grid.nvert) + " vertices and NCPL " + int_to_text(grid.ncpl) +
+                    " cells that its DIMENSIONS give.");
+  }
+  for (std::size_t c = 0; c + 1 < grid.cell_start.size(); ++c) {
+    for (std::int32_t i = 0; i < corner_count(grid, c); ++i) {
+      const std::int32_t v = corner(grid, c, i);
+      if (v < 1 || v > grid.nvert) {
+        fail(state, "Cell " + int_to_text(static_cast<std::int32_t>(c + 1)) + " of file " + name + " names vertex " + int_to_text(v) +
+                        ", which the file does not hold.");
+      }
+    }
   }
 }
 

@@ -156,5 +156,46 @@ TEST(DisvGridReader, CountsBeyondTheFileEndWhereItsLinesDo) {
   EXPECT_EQ(failure.substr(0, 31), "Error reading line 12 of file /") << failure;
 }
 
+// Found by fuzzing: a second DIMENSIONS block after the CELL2D block changed
+// NCPL, and the cell tables, read with the old count, were then indexed by
+// the new one.  Tables and counts are now checked once every block is in.
+TEST(DisvGridReader, DimensionsChangedAfterTheirBlocks) {
+  const std::string square =
+      "BEGIN VERTICES\n 1 0 0\n 2 0 1\n 3 1 1\n 4 1 0\nEND VERTICES\n"
+      "BEGIN CELL2D\n 1 0.5 0.5 4 1 2 3 4\nEND CELL2D\n";
+  const std::string dimensions = "BEGIN DIMENSIONS\n NCPL 1\n NVERT 4\nEND DIMENSIONS\n";
+  const std::string mismatch =
+      " holds no complete grid: its VERTICES and CELL2D blocks do not hold the NVERT 4 vertices and NCPL 28 "
+      "cells that its DIMENSIONS give.";
+  std::string failure;
+  read_grid(dimensions + square + "BEGIN DIMENSIONS\n NCPL 28\nEND DIMENSIONS\n", failure);
+  ASSERT_GT(failure.size(), mismatch.size()) << failure;
+  EXPECT_EQ(failure.substr(failure.size() - mismatch.size()), mismatch);
+
+  failure.clear();
+  read_grid(dimensions + square + "BEGIN DIMENSIONS\n NVERT 70\nEND DIMENSIONS\n", failure);
+  EXPECT_NE(failure.find("do not hold the NVERT 70 vertices and NCPL 1 cells"), std::string::npos) << failure;
+
+  // Vertex numbers are checked against the vertices finally read: a cell
+  // read while NVERT was larger may not name a vertex that is not there.
+  failure.clear();
+  read_grid("BEGIN DIMENSIONS\n NCPL 1\n NVERT 9\nEND DIMENSIONS\n"
+            "BEGIN CELL2D\n 1 0.5 0.5 4 1 2 3 9\nEND CELL2D\n"
+            "BEGIN DIMENSIONS\n NVERT 4\nEND DIMENSIONS\n"
+            "BEGIN VERTICES\n 1 0 0\n 2 0 1\n 3 1 1\n 4 1 0\nEND VERTICES\n",
+            failure);
+  const std::string names = " names vertex 9, which the file does not hold.";
+  EXPECT_EQ(failure.substr(0, 13), "Cell 1 of fil") << failure;
+  ASSERT_GT(failure.size(), names.size()) << failure;
+  EXPECT_EQ(failure.substr(failure.size() - names.size()), names);
+
+  // The same blocks with their counts unchanged read as one square.
+  failure.clear();
+  const tesseramill::DisvGrid grid = read_grid(dimensions + square, failure);
+  EXPECT_EQ(failure, "");
+  EXPECT_EQ(grid.ncpl, 1);
+  EXPECT_EQ(corner_count(grid, 0), 4);
+}
+
 }  // namespace
 }  // namespace tesseramill_test
