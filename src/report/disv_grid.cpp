@@ -159,20 +159,32 @@ void read_disv_grid(RunState& state, const std::string& name, const std::string&
   bool have_cells = false;
   while (r.next_line()) {
     if (!word_is(r.tokens[0], "BEGIN") || r.tokens.size() < 2) continue;
+    // The tokens look into the current line, which the next read replaces:
+    // a block's name and a keyword are told apart before any value is read.
     const std::string_view block = r.tokens[1];
+    const bool pairs = word_is(block, "OPTIONS") || word_is(block, "DIMENSIONS");
+    const bool vertices = word_is(block, "VERTICES");
+    const bool cells = word_is(block, "CELL2D");
     r.next = r.tokens.size();
-    if (word_is(block, "OPTIONS") || word_is(block, "DIMENSIONS")) {
-      // Keyword and value pairs up to the block's END.
+    if (pairs) {
+      // Keyword and value pairs up to the block's END; a value missing from
+      // its keyword's line is read from the lines after it.
       while (r.next_line() && !word_is(r.tokens[0], "END")) {
         const std::string_view key = r.tokens[0];
         r.next = 1;
-        if (word_is(key, "XORIGIN")) grid.xorigin = r.real();
-        if (word_is(key, "YORIGIN")) grid.yorigin = r.real();
-        if (word_is(key, "NLAY")) grid.nlay = r.integer();
-        if (word_is(key, "NCPL")) grid.ncpl = r.integer();
-        if (word_is(key, "NVERT")) grid.nvert = r.integer();
+        if (word_is(key, "XORIGIN")) {
+          grid.xorigin = r.real();
+        } else if (word_is(key, "YORIGIN")) {
+          grid.yorigin = r.real();
+        } else if (word_is(key, "NLAY")) {
+          grid.nlay = r.integer();
+        } else if (word_is(key, "NCPL")) {
+          grid.ncpl = r.integer();
+        } else if (word_is(key, "NVERT")) {
+          grid.nvert = r.integer();
+        }
       }
-    } else if (word_is(block, "VERTICES")) {
+    } else if (vertices) {
       // The lines are read before the table is sized, so that memory follows
       // what the file holds and not what its NVERT claims.
       if (grid.nvert < 1) r.fail_line();
@@ -191,7 +203,7 @@ void read_disv_grid(RunState& state, const std::string& name, const std::string&
         grid.vertices[2 * static_cast<std::size_t>(numbers[k] - 1) + 1] = xy[2 * k + 1];
       }
       have_vertices = true;
-    } else if (word_is(block, "CELL2D")) {
+    } else if (cells) {
       // Grown as the cells are read, for the same reason.
       if (grid.ncpl < 1) r.fail_line();
       grid.centres.clear();

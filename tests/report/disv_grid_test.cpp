@@ -197,5 +197,24 @@ TEST(DisvGridReader, DimensionsChangedAfterTheirBlocks) {
   EXPECT_EQ(corner_count(grid, 0), 4);
 }
 
+// Found by fuzzing: a keyword whose value was on the next line was compared
+// with the next keywords after that line had replaced its own.  Under the
+// sanitizers this read freed memory; now each keyword is told before its
+// value is read.
+TEST(DisvGridReader, ValueOnTheLineAfterItsKeyword) {
+  std::string failure;
+  const tesseramill::DisvGrid grid =
+      read_grid("BEGIN OPTIONS\n XORIGIN\n 42 7\nEND OPTIONS\n"
+                "BEGIN DIMENSIONS\n NCPL\n 1\n NVERT\n 4\nEND DIMENSIONS\n"
+                "BEGIN VERTICES\n 1 0 0\n 2 0 1\n 3 1 1\n 4 1 0\nEND VERTICES\n"
+                "BEGIN CELL2D\n 1 0.5 0.5 4 1 2 3 4\nEND CELL2D\n",
+                failure);
+  EXPECT_EQ(failure, "");
+  EXPECT_EQ(grid.xorigin, 42.0);
+  EXPECT_EQ(grid.yorigin, 0.0);
+  EXPECT_EQ(grid.ncpl, 1);
+  EXPECT_EQ(grid.nvert, 4);
+}
+
 }  // namespace
 }  // namespace tesseramill_test
