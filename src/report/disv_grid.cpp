@@ -119,7 +119,8 @@ bool column_integer(std::string_view field, std::int32_t& value) {
 bool read_cell_columns(Reader& r, std::vector<std::int32_t>& out) {
   if (r.next == 0 || r.next > r.tokens.size()) return false;
   const std::string_view y = r.tokens[r.next - 1];
-  const std::string_view rest = std::string_view(r.line).substr(static_cast<std::size_t>(y.data() - r.line.data()) + y.size());
+  const std::size_t after_y = static_cast<std::size_t>(y.data() - r.line.data()) + y.size();
+  const std::string_view rest = std::string_view(r.line).substr(after_y);
   std::int32_t count = 0;
   if (rest.size() < 5 || !column_integer(rest.substr(0, 5), count) || count < 3) return false;
   if (rest.size() != 5 + 7 * static_cast<std::size_t>(count)) return false;
@@ -240,8 +241,8 @@ void read_disv_grid(RunState& state, const std::string& name, const std::string&
     for (std::int32_t i = 0; i < corner_count(grid, c); ++i) {
       const std::int32_t v = corner(grid, c, i);
       if (v < 1 || v > grid.nvert) {
-        fail(state, "Cell " + int_to_text(static_cast<std::int32_t>(c + 1)) + " of file " + name + " names vertex " + int_to_text(v) +
-                        ", which the file does not hold.");
+        fail(state, "Cell " + int_to_text(static_cast<std::int32_t>(c + 1)) + " of file " + name +
+                        " names vertex " + int_to_text(v) + ", which the file does not hold.");
       }
     }
   }
