@@ -37,6 +37,15 @@ void put_line(OutputFile& out, const std::string& line) {
 }
 
 void put_text(OutputFile& out, const std::string& text) {
+  // A text of a flush or more (a block of put_items) goes to the file as it
+  // stands, after what is pending, instead of being copied into `pending`
+  // first: the file gets the same bytes in the same order, and the run does
+  // not hold a second copy of the block.
+  if (text.size() >= kFlushSize) {
+    flush(out);
+    if (out.file != nullptr) std::fwrite(text.data(), 1, text.size(), out.file);
+    return;
+  }
   out.pending += text;
   if (out.pending.size() >= kFlushSize) flush(out);
 }

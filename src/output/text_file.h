@@ -33,21 +33,30 @@ void put_line(OutputFile& out, const std::string& line);
 void put_text(OutputFile& out, const std::string& text);
 
 // Appends the lines of items 0 .. count-1 in their order: format(item, text)
-// appends item's lines, each with its line end, to `text`.  Blocks of items
-// are formatted on the two cores side by side and written in order, so the
-// file is the same as from one pass.
+// appends item's lines, each with its line end, to `text`.  The items go out
+// in blocks; when the file has enough items for a second thread to pay, each
+// block is formatted on the two cores side by side, its halves written in
+// order, so the file is the same as from one pass.  A block holds at most
+// kItemsPerPart items per core, which keeps the text held at once to about a
+// megabyte per core whatever the number of items.
 template <typename Format>
 void put_items(OutputFile& out, std::size_t count, Format format) {
-  constexpr std::size_t kBlock = kSmallestSharedWork;
+  constexpr std::size_t kItemsPerPart = 4096;
+  const bool shared = count >= kSmallestSharedWork;
+  const std::size_t block = shared ? 2 * kItemsPerPart : kItemsPerPart;
+  const std::size_t smallest_shared_block = shared ? kItemsPerPart : kSmallestSharedWork;
   std::string texts[2];
-  for (std::size_t start = 0; start < count; start += 2 * kBlock) {
-    const std::size_t end = std::min(count, start + 2 * kBlock);
+  for (std::size_t start = 0; start < count; start += block) {
+    const std::size_t end = std::min(count, start + block);
     texts[0].clear();
     texts[1].clear();
-    run_in_parts(end - start, [&](std::size_t begin, std::size_t stop, int part) {
-      for (std::size_t item = start + begin; item < start + stop; ++item) format(item, texts[part]);
-      return PartFailure{};
-    });
+    run_in_parts(
+        end - start,
+        [&](std::size_t begin, std::size_t stop, int part) {
+          for (std::size_t item = start + begin; item < start + stop; ++item) format(item, texts[part]);
+          return PartFailure{};
+        },
+        smallest_shared_block);
     put_text(out, texts[0]);
     put_text(out, texts[1]);
   }

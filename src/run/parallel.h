@@ -24,11 +24,11 @@ struct PartFailure {
 inline constexpr std::size_t kSmallestSharedWork = 20000;
 
 // Runs work(begin, end, part) over [0, count), as two halves on two threads
-// (part 0 and part 1) when there is enough of it, and gives the failure of
-// the lowest item, if any.  `work` returns a PartFailure.
+// (part 0 and part 1) when there are at least `smallest` items, and gives the
+// failure of the lowest item, if any.  `work` returns a PartFailure.
 template <typename Work>
-PartFailure run_in_parts(std::size_t count, Work work) {
-  if (count < kSmallestSharedWork) return work(std::size_t{0}, count, 0);
+PartFailure run_in_parts(std::size_t count, Work work, std::size_t smallest = kSmallestSharedWork) {
+  if (count < smallest) return work(std::size_t{0}, count, 0);
   const std::size_t middle = count / 2;
   PartFailure second;
   std::exception_ptr thrown;

@@ -56,6 +56,31 @@ TEST(RunInParts, EveryItemOnceAndSmallWorkInOnePart) {
   EXPECT_EQ(small_parts, 1);
 }
 
+TEST(RunInParts, AGivenSmallestCountSharesSmallerWork) {
+  std::vector<std::atomic<int>> seen(101);
+  std::vector<std::size_t> ends(2, 0);
+  run_in_parts(
+      seen.size(),
+      [&](std::size_t b, std::size_t e, int part) {
+        ends[static_cast<std::size_t>(part)] = e;
+        for (std::size_t k = b; k < e; ++k) seen[k] += 1;
+        return PartFailure{};
+      },
+      100);
+  for (const auto& s : seen) ASSERT_EQ(s.load(), 1);
+  EXPECT_EQ(ends[0], 50u);
+  EXPECT_EQ(ends[1], 101u);
+  int parts = 0;
+  run_in_parts(
+      99,
+      [&](std::size_t, std::size_t, int) {
+        parts += 1;
+        return PartFailure{};
+      },
+      100);
+  EXPECT_EQ(parts, 1);
+}
+
 TEST(RunInParts, AnExceptionOfTheHelperReachesTheCaller) {
   EXPECT_THROW(run_in_parts(2 * kSmallestSharedWork,
                             [&](std::size_t, std::size_t, int part) -> PartFailure {

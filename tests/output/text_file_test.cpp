@@ -1,0 +1,60 @@
+// The text file writer puts items out in blocks, on one core or two, and
+// hands long texts to the file at once; the file must hold exactly what one
+// pass in order would have written.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "output/text_file.h"
+#include "support/scratch.h"
+
+namespace tesseramill {
+namespace {
+
+using tesseramill_test::ScratchDir;
+
+// Item k's lines: most are short, every 997th is longer than a flush of the
+// writer, and every 5th has two lines, so that blocks end at uneven places.
+void format_item(std::size_t k, std::string& text) {
+  text += "item " + std::to_string(k);
+  if (k % 997 == 3) text += std::string(70000 + k % 13, static_cast<char>('a' + k % 26));
+  text += '\n';
+  if (k % 5 == 0) text += "  second line of " + std::to_string(k) + '\n';
+}
+
+std::string written_in_order(std::size_t count) {
+  std::string text = "head\n";
+  for (std::size_t k = 0; k < count; ++k) format_item(k, text);
+  return text + std::string(100000, 'z') + "tail\n";
+}
+
+std::string written_by_put_items(const ScratchDir& dir, std::size_t count) {
+  RunState state;
+  OutputFile out;
+  open_output(state, out, (dir.path() / "items.txt").string());
+  put_line(out, "head");
+  put_items(out, count, format_item);
+  put_text(out, std::string(100000, 'z'));
+  put_line(out, "tail");
+  close_output(out);
+  return dir.read("items.txt");
+}
+
+class PutItems : public testing::TestWithParam<std::size_t> {};
+
+TEST_P(PutItems, FileHoldsWhatOnePassInOrderWrites) {
+  const ScratchDir dir;
+  const std::size_t count = GetParam();
+  const std::string expected = written_in_order(count);
+  const std::string got = written_by_put_items(dir, count);
+  ASSERT_EQ(got.size(), expected.size());
+  EXPECT_TRUE(got == expected);
+}
+
+// Counts around the block of one core (4096 items), around the count from
+// which two cores share the file (20,000), and several shared blocks.
+INSTANTIATE_TEST_SUITE_P(BlockBoundaries, PutItems,
+                         testing::Values(0, 1, 4095, 4096, 4097, 8192, 8193, 19999, 20000, 20001, 57345));
+
+}  // namespace
+}  // namespace tesseramill
