@@ -120,10 +120,20 @@ int read_real(std::string_view token, double& value) {
   if (token.find_last_not_of(' ') == std::string_view::npos) return 1;
   std::size_t i = 0;
   const std::size_t n = t.size();
-  std::string normal;
-  normal.reserve(n + 2);
+  // The token in the form from_chars reads, at most one character longer
+  // than the token; held on the stack for the tokens of any real file, since
+  // the report reads millions of them.
+  char small[64];
+  std::string large;
+  char* normal = small;
+  if (n + 2 > sizeof small) {
+    large.resize(n + 2);
+    normal = large.data();
+  }
+  std::size_t length = 0;
+  auto push = [&](char c) { normal[length++] = c; };
   if (t[i] == '+' || t[i] == '-') {
-    if (t[i] == '-') normal.push_back('-');
+    if (t[i] == '-') push('-');
     ++i;
   }
   int digits = 0;
@@ -134,7 +144,7 @@ int read_real(std::string_view token, double& value) {
     } else {
       ++digits;
     }
-    normal.push_back(t[i]);
+    push(t[i]);
     ++i;
   }
   if (digits == 0) return 1;
@@ -142,26 +152,26 @@ int read_real(std::string_view token, double& value) {
     char c = t[i];
     bool letter = c == 'e' || c == 'E' || c == 'd' || c == 'D' || c == 'q' || c == 'Q';
     if (!letter && c != '+' && c != '-') return 1;
-    normal.push_back('e');
+    push('e');
     if (letter) ++i;
     if (i < n && (t[i] == '+' || t[i] == '-')) {
-      normal.push_back(t[i]);
+      push(t[i]);
       ++i;
     } else if (!letter) {
       return 1;
     }
     int exponent_digits = 0;
     while (i < n && is_digit(t[i])) {
-      normal.push_back(t[i]);
+      push(t[i]);
       ++i;
       ++exponent_digits;
     }
     if (exponent_digits == 0 || i != n) return 1;
   }
   double result = 0.0;
-  auto [ptr, ec] = std::from_chars(normal.data(), normal.data() + normal.size(), result,
+  auto [ptr, ec] = std::from_chars(normal, normal + length, result,
                                    std::chars_format::general);
-  if (ptr != normal.data() + normal.size()) return 1;
+  if (ptr != normal + length) return 1;
   if (ec == std::errc::result_out_of_range) {
     // Too large or too small for a double: the value the user wrote cannot be
     // held, so it counts as unreadable rather than silently becoming something else.
