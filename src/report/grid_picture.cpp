@@ -139,9 +139,12 @@ std::string grid_picture(const DisvGrid& disv, const PictureLayers& layers) {
   std::string svg;
   svg.reserve(static_cast<std::size_t>(disv.ncpl) * 70 + 20000);
   svg += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
-  svg += "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" + number(total_w, 0) + "\" height=\"" +
-         number(total_h, 0) + "\" viewBox=\"0 0 " + number(total_w * kUnit, 0) + " " + number(total_h * kUnit, 0) +
-         "\">\n<style>\n";
+  // The picture takes the size of the window it is opened in and keeps its
+  // proportions, so that a small window shows all of it, legend included,
+  // without scroll bars.
+  svg += "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"100%\" height=\"100%\" viewBox=\"0 0 " +
+         number(total_w * kUnit, 0) + " " + number(total_h * kUnit, 0) +
+         "\" preserveAspectRatio=\"xMidYMid meet\">\n<style>\n";
   svg += "path.cell{stroke:#202020;stroke-width:3;stroke-linejoin:round}\n";
   for (int k = 0; k < kClasses; ++k) svg += ".a" + std::to_string(k) + "{fill:" + class_colour(k) + "}\n";
   svg += ".rim{fill:none;stroke:#000000;stroke-width:18}\n.line{fill:none;stroke:#1f4fd0;stroke-width:14}\n"

@@ -37,6 +37,20 @@ TEST(GridPicture, IsWellFormedWithOneShapePerCell) {
   EXPECT_NE(svg.find("grid &lt;of&gt; &quot;squares&quot; &amp; more"), std::string::npos);
 }
 
+// The picture fills the window it is opened in, keeps its proportions and
+// shows all of its drawing area: no fixed size in pixels that a smaller
+// window would cut off.
+TEST(GridPicture, ScalesToTheWindow) {
+  const tesseramill::DisvGrid grid = unit_squares(4, 3, {2});
+  const std::string svg = tesseramill::grid_picture(grid, layers_for(4, 3));
+  const std::size_t root = svg.find("<svg ");
+  ASSERT_NE(root, std::string::npos);
+  const std::string tag = svg.substr(root, svg.find('>', root) + 1 - root);
+  EXPECT_NE(tag.find(" width=\"100%\" height=\"100%\" viewBox=\"0 0 "), std::string::npos) << tag;
+  EXPECT_NE(tag.find(" preserveAspectRatio=\"xMidYMid meet\">"), std::string::npos) << tag;
+  EXPECT_EQ(count_of(tag, "px"), 0u) << tag;
+}
+
 TEST(GridPicture, StaysWellFormedForFlatAndTinyAndFarAwayGrids) {
   for (const auto& [nx, ny, origin] : {std::tuple{50, 1, 0.0}, std::tuple{1, 50, 0.0}, std::tuple{3, 3, 1.0e7}}) {
     const tesseramill::DisvGrid grid = unit_squares(nx, ny);
