@@ -12,7 +12,7 @@ constexpr std::size_t kFlushSize = 1 << 16;
 
 void flush(OutputFile& out) {
   if (!out.pending.empty() && out.file != nullptr) {
-    std::fwrite(out.pending.data(), 1, out.pending.size(), out.file);
+    if (std::fwrite(out.pending.data(), 1, out.pending.size(), out.file) != out.pending.size()) out.failed = true;
   }
   out.pending.clear();
 }
@@ -27,6 +27,7 @@ void open_output(RunState& state, OutputFile& out, const std::string& name) {
   // A name holding a NUL byte names no file; the part before it is another file.
   if (out.name.find('\0') == std::string::npos) out.file = std::fopen(out.name.c_str(), "wb");
   if (out.file == nullptr) fail(state, "Cannot write to file " + out.name + ".");
+  out.failed = false;
   out.pending.reserve(kFlushSize + 4096);
 }
 
@@ -43,7 +44,7 @@ void put_text(OutputFile& out, const std::string& text) {
   // not hold a second copy of the block.
   if (text.size() >= kFlushSize) {
     flush(out);
-    if (out.file != nullptr) std::fwrite(text.data(), 1, text.size(), out.file);
+    if (out.file != nullptr && std::fwrite(text.data(), 1, text.size(), out.file) != text.size()) out.failed = true;
     return;
   }
   out.pending += text;
@@ -53,8 +54,13 @@ void put_text(OutputFile& out, const std::string& text) {
 void close_output(OutputFile& out) {
   if (out.file == nullptr) return;
   flush(out);
-  std::fclose(out.file);
+  if (std::fclose(out.file) != 0) out.failed = true;
   out.file = nullptr;
+}
+
+bool close_output_checked(OutputFile& out) {
+  close_output(out);
+  return !out.failed;
 }
 
 }  // namespace tesseramill

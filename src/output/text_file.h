@@ -15,6 +15,10 @@ struct OutputFile {
   std::FILE* file = nullptr;
   std::string name;
   std::string pending;
+  // Set when a write or the close did not take all the bytes (a full disc).
+  // The mesher's writers go on regardless; a caller that replaces a file
+  // asks close_output_checked.
+  bool failed = false;
 
   OutputFile() = default;
   OutputFile(const OutputFile&) = delete;
@@ -64,5 +68,8 @@ void put_items(OutputFile& out, std::size_t count, Format format) {
 
 // Writes what is pending and closes the file.
 void close_output(OutputFile& out);
+
+// The same, and tells whether every byte reached the file.
+bool close_output_checked(OutputFile& out);
 
 }  // namespace tesseramill

@@ -136,6 +136,13 @@ bool read_cell_columns(Reader& r, std::vector<std::int32_t>& out) {
   return true;
 }
 
+// A number that does not fit its columns is written as a field of
+// asterisks; on a cell line that is a vertex number of 10,000,000 or more in
+// its seven columns.
+bool holds_asterisks(const Reader& r) {
+  return r.line.find("*******") != std::string::npos;
+}
+
 bool word_is(std::string_view token, std::string_view word) {
   if (token.size() != word.size()) return false;
   for (std::size_t k = 0; k < word.size(); ++k) {
@@ -207,6 +214,7 @@ void read_disv_grid(RunState& state, const std::string& name, const std::string&
     } else if (cells) {
       // Grown as the cells are read, for the same reason.
       if (grid.ncpl < 1) r.fail_line();
+      grid.cells_line = r.line_number;
       grid.centres.clear();
       grid.cell_vertices.clear();
       grid.cell_start.assign(1, 0);
@@ -215,7 +223,15 @@ void read_disv_grid(RunState& state, const std::string& name, const std::string&
         grid.centres.push_back(r.real());
         grid.centres.push_back(r.real());
         if (!read_cell_numbers(r, grid.cell_vertices)) {
-          if (!read_cell_columns(r, grid.cell_vertices)) r.fail_line();
+          if (!read_cell_columns(r, grid.cell_vertices)) {
+            if (holds_asterisks(r)) {
+              fail(state, "Cell " + int_to_text(k) + " of file " + name +
+                              " has vertex numbers of 10,000,000 or more, which the seven columns of the grid"
+                              " file fill with asterisks: the numbers are lost. Make a grid of fewer than"
+                              " 10,000,000 vertices (about 5,000,000 cells) and run the mesher again.");
+            }
+            r.fail_line();
+          }
           if (grid.first_joined_cell == 0) grid.first_joined_cell = k;
         }
         grid.cell_start.push_back(static_cast<std::int32_t>(grid.cell_vertices.size()));

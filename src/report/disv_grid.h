@@ -24,6 +24,8 @@ struct DisvGrid {
   // The first cell (1-based) whose numbers ran together in their columns and
   // were told apart by the columns alone; 0 when there is none.
   std::int32_t first_joined_cell = 0;
+  // The line of the "BEGIN CELL2D" whose block the cells were read from.
+  std::int32_t cells_line = 0;
 };
 
 // Reads the grid file `name`.  A file that cannot be opened, or that is not

@@ -250,8 +250,10 @@ std::string quality_text(const GridQuality& q, const std::string& file) {
   if (!q.checks[kNumbersApart].passed) {
     // A vertex number of seven digits fills its seven columns.
     text += "\n Vertex numbers of seven digits fill their seven columns and run together, and\n"
-            " MODFLOW 6 cannot read them: keep the grid below 1,000,000 vertices (about\n"
-            " 500,000 cells), or set the numbers apart before MODFLOW 6 reads the file.\n";
+            " MODFLOW 6 cannot read them: set them apart with the command\n"
+            " \"tesseramill-report --fix-grid infile\", which keeps the file as the mesher\n"
+            " wrote it beside it, or keep the grid below 1,000,000 vertices (about 500,000\n"
+            " cells).\n";
   }
   return text;
 }

@@ -1,11 +1,13 @@
 #include "report/report_program.h"
 
 #include <ostream>
+#include <string_view>
 
 #include "output/number_format.h"
 #include "output/text_file.h"
 #include "report/cell_geometry.h"
 #include "report/disv_grid.h"
+#include "report/grid_fix.h"
 #include "report/grid_picture.h"
 #include "report/grid_quality.h"
 #include "report/line_reaches.h"
@@ -29,11 +31,21 @@ void print_usage(std::ostream& screen) {
             "\n"
             "   tesseramill-report infile\n"
             "\n"
+            " or, to set apart the vertex numbers of a grid of a million vertices or\n"
+            " more so that MODFLOW 6 can read it,\n"
+            "\n"
+            "   tesseramill-report --fix-grid infile\n"
+            "\n"
             " where\n"
             "\n"
             "   infile is the name of the TESSERAMILL input file of a finished run,\n"
             "   run in the folder of that run.\n";
 }
+
+// What the command line asks for.
+enum class ReportMode { kReport, kFixGrid };
+
+constexpr std::string_view kFixGridOption = "--fix-grid";
 
 // Places read from the BLN files, as the grid file holds them: the vertices
 // of the grid are the world position less the origin, computed as
@@ -185,6 +197,16 @@ int run_report(int argc, const char* const* argv, std::ostream& screen) {
   run_to_one_exit(state, [&] {
     initialise_run_state(state);
     screen << "\n TESSERAMILL-REPORT version " << state.version_text << " by Larkspur Analytics.\n";
+    ReportMode mode = ReportMode::kReport;
+    if (argc > 1 && std::string_view(argv[1]).substr(0, 2) == "--") {
+      if (argv[1] != kFixGridOption) {
+        fail(state, "Option " + std::string(argv[1]) + " is not known: the report takes " +
+                        std::string(kFixGridOption) + " or no option before the name of the input file.");
+      }
+      mode = ReportMode::kFixGrid;
+      argc -= 1;
+      argv += 1;
+    }
     state.control_file_name = command_line_argument(argc, argv);
     if (state.control_file_name.empty()) {
       print_usage(screen);
@@ -192,8 +214,13 @@ int run_report(int argc, const char* const* argv, std::ostream& screen) {
       return;
     }
     run_phase(state, Phase::kReadControlFile);
-    run_phase(state, Phase::kReadBoundaryFiles);
-    make_report(state);
+    if (mode == ReportMode::kFixGrid) {
+      fix_grid_file(state, trimmed(state.control.mf6_basename) + ".disv",
+                    std::string(kMesherCommand) + " " + state.control_file_name);
+    } else {
+      run_phase(state, Phase::kReadBoundaryFiles);
+      make_report(state);
+    }
     release_run_state(state);
   });
   screen.flush();

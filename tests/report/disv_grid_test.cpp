@@ -8,59 +8,12 @@
 #include "report/disv_grid.h"
 #include "report/grid_quality.h"
 #include "run/failure.h"
+#include "support/grid_text.h"
 #include "support/scratch.h"
 
 namespace tesseramill_test {
 namespace {
 
-using tesseramill::append_integer;
-using tesseramill::append_scientific;
-
-// A grid file of `nvert` vertices, each at (k, -1) but for the ones given,
-// and cells of the given vertex numbers, in the mesher's layout.
-std::string grid_file(int nvert, const std::vector<std::pair<int, std::pair<double, double>>>& places,
-                      const std::vector<std::vector<int>>& cells) {
-  std::vector<std::pair<double, double>> at(static_cast<std::size_t>(nvert) + 1);
-  for (int v = 1; v <= nvert; ++v) at[static_cast<std::size_t>(v)] = {v, -1.0};
-  for (const auto& [v, place] : places) at[static_cast<std::size_t>(v)] = place;
-  std::string text = "BEGIN DIMENSIONS\n  NLAY 1\n  NCPL " + std::to_string(cells.size()) + "\n  NVERT " +
-                     std::to_string(nvert) + "\nEND DIMENSIONS\n \nBEGIN VERTICES\n";
-  for (int v = 1; v <= nvert; ++v) {
-    append_integer(text, v, 10);
-    text += "  ";
-    append_scientific(text, at[static_cast<std::size_t>(v)].first, 16, 9);
-    text += "  ";
-    append_scientific(text, at[static_cast<std::size_t>(v)].second, 16, 9);
-    text += '\n';
-  }
-  text += "END VERTICES\n \nBEGIN CELL2D\n";
-  for (std::size_t c = 0; c < cells.size(); ++c) {
-    append_integer(text, static_cast<std::int64_t>(c + 1), 10);
-    text += "  ";
-    append_scientific(text, 0.5, 0, 15);
-    text += "  ";
-    append_scientific(text, 0.5, 0, 15);
-    append_integer(text, static_cast<std::int64_t>(cells[c].size()), 5);
-    for (int v : cells[c]) append_integer(text, v, 7);
-    text += '\n';
-  }
-  return text + "END CELL2D\n";
-}
-
-tesseramill::DisvGrid read_grid(const std::string& text, std::string& screen_text) {
-  ScratchDir dir;
-  dir.write("g.disv", text);
-  std::ostringstream screen;
-  tesseramill::RunState state;
-  state.screen = &screen;
-  tesseramill::DisvGrid grid;
-  try {
-    tesseramill::read_disv_grid(state, (dir.path() / "g.disv").string(), "tesseramill t.in", grid);
-  } catch (const tesseramill::RunFailure&) {
-    screen_text = state.message_buffer;
-  }
-  return grid;
-}
 
 TEST(DisvGridReader, ReadsTheMeshersLayout) {
   std::string failure;
@@ -99,8 +52,10 @@ TEST(DisvGridReader, TellsSevenDigitNumbersApartByTheirColumns) {
   const std::string report = tesseramill::quality_text(q, "g.disv");
   EXPECT_NE(report.find("   FAIL  every vertex number on the cell lines set apart by a blank: first at cell 1\n"
                         "\n Vertex numbers of seven digits fill their seven columns and run together, and\n"
-                        " MODFLOW 6 cannot read them: keep the grid below 1,000,000 vertices (about\n"
-                        " 500,000 cells), or set the numbers apart before MODFLOW 6 reads the file.\n"),
+                        " MODFLOW 6 cannot read them: set them apart with the command\n"
+                        " \"tesseramill-report --fix-grid infile\", which keeps the file as the mesher\n"
+                        " wrote it beside it, or keep the grid below 1,000,000 vertices (about 500,000\n"
+                        " cells).\n"),
             std::string::npos)
       << report;
 }
