@@ -1,6 +1,9 @@
 #include "run/text_tools.h"
 
+#include <cerrno>
 #include <charconv>
+#include <cmath>
+#include <cstdlib>
 #include <ostream>
 
 namespace tesseramill {
@@ -115,6 +118,37 @@ int read_file_name(std::string_view text, int first, int& last, std::string& nam
   return 0;
 }
 
+namespace {
+
+enum class Decimal { kHeld, kOutOfRange, kUnreadable };
+
+// The double nearest to the decimal number text[0 .. length), which is
+// digits with at most one point and an optional exponent, NUL-terminated.
+// Both ways below round correctly, ties to even, so that every build reads
+// the same bits: the standard's from_chars where the library has it for
+// floating point, and otherwise the C library's strtod in the "C" locale
+// that the programs never leave (libc++ before version 20 lacks the former;
+// on glibc, where such builds run, strtod rounds correctly too).  A result
+// that is 0 or infinite although the text is not is out of range, as
+// from_chars says; a subnormal result is held.
+Decimal decimal_to_double(const char* text, std::size_t length, double& value) {
+#if defined(__cpp_lib_to_chars) && __cpp_lib_to_chars >= 201611L
+  auto [ptr, ec] = std::from_chars(text, text + length, value, std::chars_format::general);
+  if (ptr != text + length) return Decimal::kUnreadable;
+  if (ec == std::errc::result_out_of_range) return Decimal::kOutOfRange;
+  return ec == std::errc() ? Decimal::kHeld : Decimal::kUnreadable;
+#else
+  char* end = nullptr;
+  errno = 0;
+  value = std::strtod(text, &end);
+  if (end != text + length) return Decimal::kUnreadable;
+  if (errno == ERANGE && (value == 0.0 || std::isinf(value))) return Decimal::kOutOfRange;
+  return Decimal::kHeld;
+#endif
+}
+
+}  // namespace
+
 int read_real(std::string_view token, double& value) {
   std::string_view t = token.substr(0, token.find_last_not_of(' ') + 1);
   if (token.find_last_not_of(' ') == std::string_view::npos) return 1;
@@ -168,16 +202,12 @@ int read_real(std::string_view token, double& value) {
     }
     if (exponent_digits == 0 || i != n) return 1;
   }
+  normal[length] = '\0';
   double result = 0.0;
-  auto [ptr, ec] = std::from_chars(normal, normal + length, result,
-                                   std::chars_format::general);
-  if (ptr != normal + length) return 1;
-  if (ec == std::errc::result_out_of_range) {
-    // Too large or too small for a double: the value the user wrote cannot be
-    // held, so it counts as unreadable rather than silently becoming something else.
-    return 1;
-  }
-  if (ec != std::errc()) return 1;
+  // Too large or too small for a double: the value the user wrote cannot be
+  // held, so it counts as unreadable rather than silently becoming something
+  // else.
+  if (decimal_to_double(normal, length, result) != Decimal::kHeld) return 1;
   value = result;
   return 0;
 }
