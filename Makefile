@@ -2,7 +2,7 @@
 BUILD := build
 FUZZ_SECONDS ?= 60
 
-.PHONY: build demo test bench sanitize fuzz mf6-check clean
+.PHONY: build demo test bench sanitize fuzz mf6-check determinism clean
 
 build:
 	cmake -S . -B $(BUILD)
@@ -45,6 +45,14 @@ mf6-check:
 	cmake --build $(BUILD) -j 2 --target tesseramill tesseramill-report tesseramill-mf6-check
 	$(BUILD)/tesseramill-mf6-check --mf6 "$(MF6)" --programs $(BUILD) --source . --work $(BUILD)/mf6-check $(MF6_CHECK_ARGS)
 
+# Builds the programs with GCC, with clang and libc++, and for Linux on
+# 64-bit ARM (run under qemu-user), runs the examples and the benchmark
+# family with each and compares every written file and screen byte for
+# byte with the GCC build's.  Needs the Debian packages clang, libc++-dev,
+# libc++abi-dev, g++-aarch64-linux-gnu and qemu-user.
+determinism:
+	tools/determinism.sh $(DETERMINISM_SIZES)
+
 # Every test again, built with clang under the address and undefined-behaviour
 # sanitizers; a report from any of them fails its test.
 sanitize:
@@ -70,4 +78,4 @@ fuzz:
 	done
 
 clean:
-	rm -rf $(BUILD) build-san build-fuzz
+	rm -rf $(BUILD) build-san build-fuzz build-clang-libcxx build-arm64 build-determinism
