@@ -2,7 +2,7 @@
 BUILD := build
 FUZZ_SECONDS ?= 60
 
-.PHONY: build demo test bench sanitize fuzz clean
+.PHONY: build demo test bench maths-check sanitize fuzz clean
 
 build:
 	cmake -S . -B $(BUILD)
@@ -31,6 +31,15 @@ bench:
 	cmake -S . -B $(BUILD)
 	cmake --build $(BUILD) -j 2 --target tesseramill-bench
 	$(BUILD)/tesseramill-bench $(BENCH_ARGS)
+
+# The long run of the correctly rounded maths against MPFR: 10^7 random
+# arguments per function and range, the hard cases and the slow paths on
+# 10^5 arguments each; prints how often the system's maths library
+# misrounds the same arguments.
+maths-check:
+	cmake -S . -B $(BUILD)
+	cmake --build $(BUILD) -j 2 --target tesseramill_maths_check
+	$(BUILD)/tests/tesseramill_maths_check
 
 # Every test again, built with clang under the address and undefined-behaviour
 # sanitizers; a report from any of them fails its test.
