@@ -148,10 +148,13 @@ double cr_atan2(double y, double x) {
     const Octant octant = octant_of(swapped, x_negative);
     const double q = small / large;
     if (small >= kSmallest && large <= kLargest && q >= kSmallestQuotient) {
-      // t = small / large within 2^-105: the remainder small - q large is
-      // exact (no underflow at these sizes), and its quotient by large is
-      // the correction.
-      const DoubleDouble tt = fast_two_sum(q, std::fma(-q, large, small) / large);
+      // t = small / large within 2^-105: the remainder small - q large is a
+      // double, found exactly from the exact product q large (small - p.hi
+      // is exact by Sterbenz's lemma, and so the last subtraction, whose
+      // result is the remainder), and its quotient by large is the
+      // correction.  No product underflows or overflows at these sizes.
+      const DoubleDouble p = two_prod(q, large);
+      const DoubleDouble tt = fast_two_sum(q, ((small - p.hi) - p.lo) / large);
       DoubleDouble v = atan_double_double(tt);
       // pi - atan(t) >= 3pi/4 and pi/2 -+ atan(t) >= pi/4: the offsets
       // (within 2^-106) cancel nothing, and the sums lose 2^-102.  With

@@ -76,21 +76,37 @@ double cr_hypot(double x, double y) {
   if (b == 0.0) return a;
   if (b < a * 0x1p-60) return a;
   const int scale = binary_exponent(a);
-  a = std::ldexp(a, -scale);
-  b = std::ldexp(b, -scale);
+  a = scale_by_power_of_two(a, -scale);
+  b = scale_by_power_of_two(b, -scale);
   const DoubleDouble a2 = two_prod(a, a);
   const DoubleDouble b2 = two_prod(b, b);
+  // Fast path, for results well above the subnormals: c + d is sqrt(S),
+  // S = a^2 + b^2, within 2^-100 of it.  S as a double-double is within
+  // 2^-103 (two positive sums); c = sqrt(S.hi), and d the Newton correction
+  // (S - c^2) / 2c, whose numerator is exact but for S.lo's rounding (c^2
+  // by two_prod, S.hi - c^2 by Sterbenz's lemma); the step leaves
+  // (d / c)^2 / 2 <= 2^-106, and the rounding of d 2^-105 of c.  A bound of
+  // 2^-98 covers it with the margin rounds_surely needs.  Exact results
+  // (Pythagorean triples) and midpoints are left to the exact test below.
+  if (scale > -1000) {
+    const DoubleDouble sum = dd_add(a2, b2);
+    const double root = std::sqrt(sum.hi);
+    const DoubleDouble root2 = two_prod(root, root);
+    const double d = (((sum.hi - root2.hi) - root2.lo) + sum.lo) / (2.0 * root);
+    double result;
+    if (rounds_surely({root, d}, root * 0x1p-98, result)) return scale_by_power_of_two(result, scale);
+  }
   // The estimate, within 2^-52 or so of the result; then put on the grid.
   const int floor_grid = -1074 - scale;
   double c = std::sqrt(a2.hi + b2.hi);
-  double unit = std::ldexp(1.0, std::max(binary_exponent(c) - 52, floor_grid));
+  double unit = scale_by_power_of_two(1.0, std::max(binary_exponent(c) - 52, floor_grid));
   c = round_to_integer(c / unit) * unit;
   // The estimate moves at most a step or two; a few rounds suffice.
   for (int round = 0; round < 4; ++round) {
-    unit = std::ldexp(1.0, std::max(binary_exponent(c) - 52, floor_grid));
+    unit = scale_by_power_of_two(1.0, std::max(binary_exponent(c) - 52, floor_grid));
     // Below a power of two the grid is finer, unless the floor holds.
     const bool power_of_two = (std::bit_cast<std::uint64_t>(c) & 0x000fffffffffffffu) == 0;
-    const double unit_below = power_of_two ? std::max(0.5 * unit, std::ldexp(1.0, floor_grid)) : unit;
+    const double unit_below = power_of_two ? std::max(0.5 * unit, scale_by_power_of_two(1.0, floor_grid)) : unit;
     if (compare_with_square(a2, b2, c, 0.5 * unit) > 0) {
       c += unit;
     } else if (compare_with_square(a2, b2, c, -0.5 * unit_below) < 0) {
@@ -103,7 +119,7 @@ double cr_hypot(double x, double y) {
       break;
     }
   }
-  return std::ldexp(c, scale);
+  return scale_by_power_of_two(c, scale);
 }
 
 }  // namespace tesseramill

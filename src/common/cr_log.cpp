@@ -16,6 +16,10 @@ constexpr double kSqrtHalf = 0x1.6a09e667f3bcdp-1;  // just above sqrt(1/2)
 // Relative error bound of log_double_double, with the margin that
 // rounds_surely asks for (derivation in log_double_double).
 constexpr double kLogBound = 0x1p-77;
+// The quick logarithm's bound (2^-69.5), and for log10 with the product's
+// 2^-101 besides, with the margin of rounds_surely; about one argument in
+// 2^14 falls through to the precise double-double logarithm.
+constexpr double kQuickBound = 0x1p-68;
 // log10 = log * (1/ln 10): the double-double product and the constant add
 // 2^-101 and 2^-106 to log's 2^-78.
 constexpr double kLog10Bound = 0x1p-76;
@@ -44,13 +48,6 @@ bool log_special(double x, double& result) {
 
 }  // namespace
 
-int binary_exponent(double x) {
-  const std::uint64_t bits = std::bit_cast<std::uint64_t>(x) & 0x7fffffffffffffffu;
-  const int biased = static_cast<int>(bits >> 52);
-  if (biased != 0) return biased - 1023;
-  return -1011 - std::countl_zero(bits);  // subnormal: 2^-1074 is bit 0
-}
-
 double split_mantissa(double x, int& k) {
   int offset = 0;
   if (x < 0x1p-1022) {  // subnormal: scaled up exactly first
@@ -73,6 +70,65 @@ double split_mantissa(double x, int& k) {
 // |z| <= 2^-9.5, and |z| <= 2^-9 on the two entries next to 1, where r = 1
 // and the table value is exactly 0.  z is exact: m r = p.hi + p.lo exactly,
 // p.hi - 1 is exact (p.hi lies in [1/2, 2]) and two_sum keeps the rest.
+namespace {
+
+struct Reduced {
+  int k;
+  DoubleDouble z;
+  const t::LogEntry* entry;
+};
+
+Reduced reduce(double x) {
+  Reduced r;
+  const double m = split_mantissa(x, r.k);
+  r.entry = &t::kLog[static_cast<int>(m * 512.0) - t::kLogFirst];
+  const DoubleDouble p = two_prod(m, r.entry->r);
+  r.z = two_sum(p.hi - 1.0, p.lo);
+  return r;
+}
+
+// k ln 2 exactly as two_prod(k, ln2.hi) plus k ln2.lo (ln 2 itself within
+// 2^-107, k ln2.lo within 2^-53 of a term 2^-53 of the whole).
+DoubleDouble k_ln2(int k) {
+  const double kd = static_cast<double>(k);
+  DoubleDouble kln2 = two_prod(kd, t::kLn2.hi);
+  kln2.lo += kd * t::kLn2.lo;
+  return kln2;
+}
+
+}  // namespace
+
+// The quick logarithm of cr_log and cr_log10, within 2^-69.5 of log(x).
+//
+// log(1 + z) = z - z^2/2 + c,  c = z^3 Q(z),  Q = 1/3 - z/4 + ... + z^6/9.
+// z^2 is exact by two_prod (z.hi^2) less z.hi z.lo (z.lo's share, to
+// 2^-53 of it), c is worked out from z.hi in plain doubles: |c| <= 2^-19.6
+// |z|, and its roundings (three units of 2^-53 of c at most) give 2^-71
+// |z|; the terms left out (z^10/10 on, z.lo^2, z.lo z^2) 2^-84 |z|.  The sum
+// k ln 2 + T + z - z.hi^2/2: the leading parts are added exactly with
+// two_sum; the rest (k ln2.lo, T.lo, z.lo, the low half of z.hi^2, c and
+// the errors of the two_sums) in plain doubles, each term at most 2^-53 of
+// the sum or 2^-19 |z|, which loses 2^-104 of the sum and 2^-72 |z|.  The
+// same absence of cancellation as in log_double_double below (|z| is at
+// most 1.5 times the sum where T != 0) keeps the total within 2^-69.5 of
+// |log(x)|.
+DoubleDouble log_quick_double_double(double x) {
+  const Reduced r = reduce(x);
+  const double zh = r.z.hi;
+  const double q = 1.0 / 3.0 + zh * (-0.25 + zh * (0.2 + zh * (-1.0 / 6.0 + zh * (1.0 / 7.0 + zh * (-0.125 + zh * (1.0 / 9.0))))));
+  const DoubleDouble square = two_prod(zh, zh);
+  const double c = (zh * square.hi) * q;
+  const DoubleDouble kln2 = k_ln2(r.k);
+  const DoubleDouble a = two_sum(kln2.hi, r.entry->minus_log_hi);
+  const DoubleDouble b = two_sum(a.hi, zh);
+  const DoubleDouble d = two_sum(b.hi, -0.5 * square.hi);
+  const double low = (r.z.lo - zh * r.z.lo) - 0.5 * square.lo;
+  const double rest = (((kln2.lo + r.entry->minus_log_lo) + (a.lo + b.lo + d.lo)) + low) + c;
+  return fast_two_sum(d.hi, rest);
+}
+
+// The precise logarithm of pow and of the second try of cr_log and
+// cr_log10, from the same reduction.
 //
 // log(1 + z) = z + z^2 (-1/2 + z (1/3 + z P(z))), P(z) = -1/4 + z/5 - ...
 // + z^5/9, in plain doubles.  Errors, relative to |z|: the terms left out
@@ -88,11 +144,8 @@ double split_mantissa(double x, int& k) {
 // never more than 1.5 times the sum.  The whole stays below 2^-79.3 <= 2^-78
 // of |log(x)|.
 DoubleDouble log_double_double(double x) {
-  int k;
-  const double m = split_mantissa(x, k);
-  const t::LogEntry& e = t::kLog[static_cast<int>(m * 512.0) - t::kLogFirst];
-  const DoubleDouble p = two_prod(m, e.r);
-  const DoubleDouble z = two_sum(p.hi - 1.0, p.lo);
+  const Reduced r = reduce(x);
+  const DoubleDouble z = r.z;
 
   const double zh = z.hi;
   const double poly = -0.25 + zh * (0.2 + zh * (-1.0 / 6.0 + zh * (1.0 / 7.0 + zh * (-0.125 + zh * (1.0 / 9.0)))));
@@ -103,16 +156,15 @@ DoubleDouble log_double_double(double x) {
   square.lo += 2.0 * zh * z.lo;
   const DoubleDouble log1pz = dd_add(z, dd_mul(square, half));
 
-  const double kd = static_cast<double>(k);
-  DoubleDouble kln2 = two_prod(kd, t::kLn2.hi);
-  kln2.lo += kd * t::kLn2.lo;
-  const DoubleDouble table = {e.minus_log_hi, e.minus_log_lo};
-  return dd_add(dd_add(kln2, table), log1pz);
+  const DoubleDouble table = {r.entry->minus_log_hi, r.entry->minus_log_lo};
+  return dd_add(dd_add(k_ln2(r.k), table), log1pz);
 }
 
 double cr_log(double x) {
   double result;
   if (log_special(x, result)) return result;
+  const DoubleDouble quick = log_quick_double_double(x);
+  if (rounds_surely(quick, magnitude(quick.hi) * kQuickBound, result)) return result;
   const DoubleDouble v = log_double_double(x);
   if (rounds_surely(v, magnitude(v.hi) * kLogBound, result)) return result;
   return log_slow(x);
@@ -129,6 +181,8 @@ double log10_slow(double x) { return wide_round(wide_mul(wide_log(x), wide_inver
 double cr_log10(double x) {
   double result;
   if (log_special(x, result)) return result;
+  const DoubleDouble quick = dd_mul(log_quick_double_double(x), t::kInverseLn10);
+  if (rounds_surely(quick, magnitude(quick.hi) * kQuickBound, result)) return result;
   const DoubleDouble v = dd_mul(log_double_double(x), t::kInverseLn10);
   if (rounds_surely(v, magnitude(v.hi) * kLog10Bound, result)) return result;
   return log10_slow(x);

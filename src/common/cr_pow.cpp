@@ -97,7 +97,7 @@ double pow_positive(double x, DoubleDouble log_x, double y) {
   // slow path, which rounds on the subnormals' grid.
   const double bound = magnitude(v.hi) * (magnitude(e.hi) * 0x1p-77 + 0x1p-76);
   double result;
-  if (binary_exponent(v.hi) + scale >= -1021 && rounds_surely(v, bound, result)) return std::ldexp(result, scale);
+  if (binary_exponent(v.hi) + scale >= -1021 && rounds_surely(v, bound, result)) return scale_by_power_of_two(result, scale);
   return pow_slow(x, y);
 }
 

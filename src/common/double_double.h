@@ -2,10 +2,8 @@
 
 // Double-double arithmetic: a value held as the unevaluated sum hi + lo of
 // two doubles with |lo| <= ulp(hi) / 2.  Every operation here uses only
-// IEEE 754 additions, multiplications, divisions and std::fma, each rounded
-// to nearest, so that the results are the same bits on every machine.
-
-#include <cmath>
+// IEEE 754 additions, multiplications and divisions, each rounded to
+// nearest, so that the results are the same bits on every machine.
 
 namespace tesseramill {
 
@@ -28,11 +26,29 @@ inline DoubleDouble fast_two_sum(double a, double b) {
   return {s, b - (s - a)};
 }
 
-// a * b exactly, unless the product underflows: the rounding error of a
-// product is itself a double, and the fused multiply-add gives it.
+// Veltkamp's split: a = hi + lo exactly, each half of at most 26
+// significant bits (and a sign), for |a| below 2^995 (a * 134217729 must
+// not overflow).
+inline DoubleDouble split(double a) {
+  constexpr double kSplitter = 134217729.0;  // 2^27 + 1
+  const double t = kSplitter * a;
+  const double hi = t - (t - a);
+  return {hi, a - hi};
+}
+
+// a * b exactly (Dekker's product): the halves' products are exact, and the
+// rounding error of a * b is the sum of their differences from it.  Holds
+// for |a|, |b| below 2^995 when no partial product underflows; with an
+// underflow the error term is off by at most 2^-1074 or so, far below what
+// any bound here counts.  Plain multiplications and additions only: a fused
+// multiply-add would give the same, but where the processor lacks one the
+// library emulates it at many times the cost.
 inline DoubleDouble two_prod(double a, double b) {
   const double p = a * b;
-  return {p, std::fma(a, b, -p)};
+  const DoubleDouble x = split(a);
+  const DoubleDouble y = split(b);
+  const double err = ((x.hi * y.hi - p) + x.hi * y.lo + x.lo * y.hi) + x.lo * y.lo;
+  return {p, err};
 }
 
 // (a.hi + a.lo) + (b.hi + b.lo), with relative error at most 2^-103 when no

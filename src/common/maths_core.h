@@ -6,6 +6,7 @@
 // error bound has one correctly rounded double.
 
 #include <bit>
+#include <cmath>
 #include <cstdint>
 
 #include "common/double_double.h"
@@ -17,7 +18,27 @@ namespace tesseramill {
 double split_mantissa(double x, int& k);
 
 // The exponent e of 2^e <= |x| < 2^(e+1) for finite nonzero x.
-int binary_exponent(double x);
+inline int binary_exponent(double x) {
+  const std::uint64_t bits = std::bit_cast<std::uint64_t>(x) & 0x7fffffffffffffffu;
+  const int biased = static_cast<int>(bits >> 52);
+  if (biased != 0) return biased - 1023;
+  return -1011 - std::countl_zero(bits);  // subnormal: 2^-1074 is bit 0
+}
+
+// x * 2^k rounded to nearest, as std::ldexp gives it: a product with the
+// power of two is exact unless it overflows (then infinity) or is
+// subnormal (then rounded once, as ldexp rounds).  Above 2^1023 the power
+// is applied in two exact steps of which only the last can overflow; below
+// 2^-1022 ldexp itself does it, so that nothing is rounded twice.
+inline double scale_by_power_of_two(double x, int k) {
+  if (k > 1023) {
+    x *= 0x1p1023;
+    k -= 1023;
+    if (k > 1023) k = 1023;  // the result overflows anyway
+  }
+  if (k < -1022) return std::ldexp(x, k);
+  return x * std::bit_cast<double>(static_cast<std::uint64_t>(k + 1023) << 52);
+}
 
 // The nearest integer to x (ties to even) for |x| < 2^51: adding and taking
 // away 1.5 * 2^52 leaves no fraction bits, each step rounded to nearest.
@@ -25,6 +46,10 @@ inline double nearest_integer(double x) {
   constexpr double kShifter = 0x1.8p52;
   return (x + kShifter) - kShifter;
 }
+
+// log(x) for finite x > 0, with relative error below 2^-69.5: quicker,
+// for cr_log and cr_log10 (derivation where it is worked out).
+DoubleDouble log_quick_double_double(double x);
 
 // log(x) for finite x > 0, with relative error below 2^-78 (derivation
 // where it is worked out).

@@ -33,13 +33,28 @@ struct Growth {
   double inverse_rise;  // 1 / growth^1.5
 };
 
-bool growth_for(double growth, Growth& g) {
+bool work_out_growth(double growth, Growth& g) {
   g.less_one = growth - 1.0;
   g.inverse_rise = 1.0 / cr_pow(growth, 1.5);
   // A growth rate whose rise overflows, or so close to one that nothing
   // grows, leaves the algebraic size without meaning.
   return g.less_one > 0.0 && std::isfinite(g.less_one) && g.inverse_rise > 0.0 && std::isnormal(g.inverse_rise) &&
          std::isfinite(1.0 / cr_log(growth));
+}
+
+// The run keeps one growth rate, and the bounds are asked for at every
+// point: the constants are worked out once per growth rate and thread, and
+// kept (a power and a logarithm cost more than the bounds themselves).
+bool growth_for(double growth, Growth& g) {
+  thread_local double cached_rate = 0.0;
+  thread_local Growth cached{};
+  thread_local bool cached_usable = work_out_growth(0.0, cached);
+  if (growth != cached_rate) {
+    cached_usable = work_out_growth(growth, cached);
+    cached_rate = growth;
+  }
+  g = cached;
+  return cached_usable;
 }
 
 double algebraic_size(const Growth& g, double d, double s) { return std::max(s, (s + d * g.less_one) * g.inverse_rise); }
