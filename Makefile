@@ -35,7 +35,8 @@ bench:
 # The long run of the correctly rounded maths against MPFR: 10^7 random
 # arguments per function and range, the hard cases and the slow paths on
 # 10^5 arguments each; prints how often the system's maths library
-# misrounds the same arguments.  About 25 minutes on one core.
+# misrounds the same arguments.  About 7 minutes on one core (up to 30 on
+# a busy shared machine).
 maths-check:
 	cmake -S . -B $(BUILD)
 	cmake --build $(BUILD) -j 2 --target tesseramill_maths_check
