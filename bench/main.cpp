@@ -14,6 +14,8 @@
 //                                     time one DTRIS2 of the cell centres of
 //                                     the family's model of that size, fast
 //                                     and reference
+//   tesseramill-bench --maths         the cost per call of each correctly
+//                                     rounded function and the system's
 //
 // Each run is a child process of its own, so that its peak memory is its own;
 // it runs this very binary through /proc/self/exe, which still names it when
@@ -36,6 +38,7 @@
 #include <string>
 #include <vector>
 
+#include "maths_speed.h"
 #include "model_family.h"
 #include "run/program.h"
 #include "triangulation/dtris2.h"
@@ -295,6 +298,7 @@ int main(int argc, char** argv) {
     tesseramill_bench::write_model(recipe, args[2]);
     return 0;
   }
+  if (!args.empty() && args[0] == "--maths" && args.size() == 1) return tesseramill_bench::time_maths();
   if (!args.empty() && args[0] == "--triangulation" && args.size() == 2) {
     return time_triangulation(std::atof(args[1].c_str()));
   }
@@ -318,7 +322,7 @@ int main(int argc, char** argv) {
       other_binary = args[++k];
     } else {
       std::cerr << "usage: tesseramill-bench [--sizes 1e3,1e4,...,outline] [--binary PATH]"
-                   " | --write SIZE|outline DIR [MAX_LLOYD] | --triangulation SIZE\n";
+                   " | --write SIZE|outline DIR [MAX_LLOYD] | --triangulation SIZE | --maths\n";
       return 2;
     }
   }

@@ -6,6 +6,8 @@
 #include <fstream>
 #include <vector>
 
+#include "common/correctly_rounded.h"
+
 namespace tesseramill_bench {
 
 namespace {
@@ -47,9 +49,9 @@ std::vector<Point> star_ring(Random& random, double cx, double cy, double radius
   if (roughness > 0.0) {
     // Small wiggles of many wavelengths, their amplitudes falling with k.
     double weight = 0.0;
-    for (int k = 7; k <= vertices / 8; ++k) weight += std::pow(k, -0.8);
+    for (int k = 7; k <= vertices / 8; ++k) weight += tesseramill::cr_pow(k, -0.8);
     for (int k = 7; k <= vertices / 8; ++k) {
-      waves.push_back({k, roughness * std::pow(k, -0.8) / weight, random.uniform(0, 2 * kPi)});
+      waves.push_back({k, roughness * tesseramill::cr_pow(k, -0.8) / weight, random.uniform(0, 2 * kPi)});
     }
   }
   std::vector<Point> ring;
@@ -100,7 +102,7 @@ ModelRecipe family_model(double cells) {
     recipe.scale = 1.0 / inverse;
   }
   // An outline of segments about as long as its spacing, up to 64 of them.
-  const double outer_spacing = kMaxSeparation * recipe.scale * std::pow(kOuterRatio, recipe.refinement);
+  const double outer_spacing = kMaxSeparation * recipe.scale * tesseramill::cr_pow(kOuterRatio, recipe.refinement);
   recipe.outline_vertices = std::clamp(static_cast<int>(2 * kPi * recipe.radius / outer_spacing), 16, 64);
   return recipe;
 }
@@ -112,7 +114,7 @@ std::string write_model(const ModelRecipe& recipe, const std::filesystem::path& 
   const double cy = 6234000.0;
   const double R = recipe.radius;
   const double largest = kMaxSeparation * recipe.scale;
-  auto spacing = [&](double ratio) { return largest * std::pow(ratio, recipe.refinement); };
+  auto spacing = [&](double ratio) { return largest * tesseramill::cr_pow(ratio, recipe.refinement); };
 
   const std::vector<Point> outer = star_ring(random, cx, cy, R, recipe.outline_vertices, recipe.outline_roughness);
   write_bln(folder / "outer.bln", outer, spacing(kOuterRatio));
@@ -135,12 +137,12 @@ std::string write_model(const ModelRecipe& recipe, const std::filesystem::path& 
     const Point from{cx + 0.9 * R, cy - 0.9 * R};
     const Point to{lake_x + 0.25 * R, lake_y - 0.1 * R};
     const double phase = random.uniform(0, 2 * kPi);
-    const int n = vertices_for(1.1 * std::hypot(to.x - from.x, to.y - from.y), spacing(kRiverRatio), 6, 48);
+    const int n = vertices_for(1.1 * tesseramill::cr_hypot(to.x - from.x, to.y - from.y), spacing(kRiverRatio), 6, 48);
     for (int i = 0; i <= n; ++i) {
       const double t = static_cast<double>(i) / n;
       const double dx = to.x - from.x;
       const double dy = to.y - from.y;
-      const double length = std::hypot(dx, dy);
+      const double length = tesseramill::cr_hypot(dx, dy);
       const double bend = 0.04 * R * std::sin(6 * kPi * t + phase);
       river.push_back({from.x + t * dx - bend * dy / length, from.y + t * dy + bend * dx / length});
     }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "common/correctly_rounded.h"
 #include "geometry/point_in_polygon.h"
 
 namespace tesseramill {
@@ -134,7 +135,7 @@ RingIndex build_ring_index(const double* vertices, std::int32_t count) {
   double widest = 0.0;
   for (std::int32_t e = 0; e < m; ++e) {
     const std::int32_t f = edge_end(r, e);
-    const double length = std::hypot(vx(r, f) - vx(r, e), vy(r, f) - vy(r, e));
+    const double length = cr_hypot(vx(r, f) - vx(r, e), vy(r, f) - vy(r, e));
     r.near[static_cast<std::size_t>(e)] = 2.0 * kMargin * (length + width);
     widest = std::max(widest, r.near[static_cast<std::size_t>(e)]);
   }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "common/correctly_rounded.h"
 #include "geometry/planar_tools.h"
 #include "run/run_state.h"
 
@@ -14,10 +15,12 @@ namespace {
 //   size = growth^max(0, log(a) / log(growth) - 1.5) * s,  a = d (growth - 1) / s + 1,
 // which in exact arithmetic is max(s, (s + d (growth - 1)) / growth^1.5):
 // the algebraic size below, which needs no logarithm or power.  The run
-// works it out with log and pow; their errors, and those of the steps
-// around them, change the exponent by at most about 4 ulp(log a) /
-// log(growth) plus a few ulps, and the size by a relative 5e-13 at most
-// while a stays below 1e300.  The bounds widen the algebraic size by a
+// works it out with the correctly rounded cr_log and cr_pow, each within
+// half an ulp; their errors, and those of the steps around them, change the
+// exponent by at most about 2 ulp(log a) / log(growth) plus a few ulps,
+// and the size by a relative 5e-13 at most while a stays below 1e300 (the
+// bound was first worked out for a maths library of a few ulps, which it
+// covers with room to spare).  The bounds widen the algebraic size by a
 // relative 1e-9, far beyond that, and by 1e-300 in absolute terms for
 // sizes so small that relative errors no longer hold.  Past a of 1e300 the
 // run's size may overflow, and no upper bound is claimed.
@@ -30,13 +33,28 @@ struct Growth {
   double inverse_rise;  // 1 / growth^1.5
 };
 
-bool growth_for(double growth, Growth& g) {
+bool work_out_growth(double growth, Growth& g) {
   g.less_one = growth - 1.0;
-  g.inverse_rise = 1.0 / std::pow(growth, 1.5);
+  g.inverse_rise = 1.0 / cr_pow(growth, 1.5);
   // A growth rate whose rise overflows, or so close to one that nothing
   // grows, leaves the algebraic size without meaning.
   return g.less_one > 0.0 && std::isfinite(g.less_one) && g.inverse_rise > 0.0 && std::isnormal(g.inverse_rise) &&
-         std::isfinite(1.0 / std::log(growth));
+         std::isfinite(1.0 / cr_log(growth));
+}
+
+// The run keeps one growth rate, and the bounds are asked for at every
+// point: the constants are worked out once per growth rate and thread, and
+// kept (a power and a logarithm cost more than the bounds themselves).
+bool growth_for(double growth, Growth& g) {
+  thread_local double cached_rate = 0.0;
+  thread_local Growth cached{};
+  thread_local bool cached_usable = work_out_growth(0.0, cached);
+  if (growth != cached_rate) {
+    cached_usable = work_out_growth(growth, cached);
+    cached_rate = growth;
+  }
+  g = cached;
+  return cached_usable;
 }
 
 double algebraic_size(const Growth& g, double d, double s) { return std::max(s, (s + d * g.less_one) * g.inverse_rise); }

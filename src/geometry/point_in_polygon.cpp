@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "common/correctly_rounded.h"
+
 namespace tesseramill {
 
 namespace {
@@ -38,7 +40,7 @@ PolygonLocation point_in_polygon(double x, double y, const double* vertices, std
   if (vertices[0] == vertices[2 * (n - 1)] && vertices[1] == vertices[2 * (n - 1) + 1]) m = n - 1;
   if (m < 2) return result;
 
-  const double first_angle = std::atan2(dy0, dx0);
+  const double first_angle = cr_atan2(dy0, dx0);
   double previous = first_angle;
   double sum = 0.0;
   double delta = 0.0;
@@ -49,7 +51,7 @@ PolygonLocation point_in_polygon(double x, double y, const double* vertices, std
       result.location = 0;
       return result;
     }
-    const double angle = std::atan2(dy, dx);
+    const double angle = cr_atan2(dy, dx);
     if (!angle_step(angle, previous, delta)) {
       result.location = 0;
       return result;

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "common/correctly_rounded.h"
 #include "output/number_format.h"
 #include "report/cell_geometry.h"
 
@@ -55,7 +56,7 @@ std::string escaped(const std::string& text) {
 // `parts` pieces.
 double tick_step(double range, int parts) {
   const double rough = range / parts;
-  const double power = std::pow(10.0, std::floor(std::log10(rough)));
+  const double power = cr_pow(10.0, std::floor(cr_log10(rough)));
   for (double m : {1.0, 2.0, 5.0}) {
     if (m * power >= rough) return m * power;
   }
@@ -129,11 +130,11 @@ std::string grid_picture(const DisvGrid& disv, const PictureLayers& layers) {
     amax = std::max(amax, areas[c]);
   }
   if (!(amin < INFINITY)) amin = amax = 1.0;
-  const double log_low = std::log10(amin);
-  const double log_span = std::max(std::log10(amax) - log_low, 1e-12);
+  const double log_low = cr_log10(amin);
+  const double log_span = std::max(cr_log10(amax) - log_low, 1e-12);
   auto class_of = [&](double a) {
     if (!(a > 0.0)) return 0;
-    return std::clamp(static_cast<int>((std::log10(a) - log_low) / log_span * kClasses), 0, kClasses - 1);
+    return std::clamp(static_cast<int>((cr_log10(a) - log_low) / log_span * kClasses), 0, kClasses - 1);
   };
 
   std::string svg;
@@ -201,7 +202,7 @@ std::string grid_picture(const DisvGrid& disv, const PictureLayers& layers) {
     const double first = std::ceil(low / step);
     const double last = std::floor(high / step);
     if (!(last - first < 50.0)) return;
-    const int decimals = std::clamp(static_cast<int>(-std::floor(std::log10(step))), 0, 9);
+    const int decimals = std::clamp(static_cast<int>(-std::floor(cr_log10(step))), 0, 9);
     const int count = static_cast<int>(last - first);
     for (int i = 0; i <= count; ++i) {
       const double k = first + i;
@@ -233,7 +234,7 @@ std::string grid_picture(const DisvGrid& disv, const PictureLayers& layers) {
   for (int k = 0; k <= kClasses; k += kClasses / 4) {
     const double y = top + 300 + (kClasses - k) * kLegendBox;
     std::string label;
-    append_scientific(label, std::pow(10.0, log_low + log_span * k / kClasses), 0, 2);
+    append_scientific(label, cr_pow(10.0, log_low + log_span * k / kClasses), 0, 2);
     svg += "<text x=\"" + number(lx + 340, 0) + "\" y=\"" + number(y + 50, 0) + "\">" + label + "</text>\n";
   }
   svg += "</svg>\n";

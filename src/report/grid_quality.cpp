@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "common/correctly_rounded.h"
 #include "geometry/planar_tools.h"
 #include "output/number_format.h"
 #include "report/cell_geometry.h"
@@ -103,7 +104,7 @@ GridQuality assess_grid(const DisvGrid& disv, const DomainRings& domain, double 
       const double by = xy[2 * k + 1] - xy[2 * j + 1];
       if (ax == 0.0 && ay == 0.0) set_failure(zero_edge, cell, "");
       const double turn = (ax * by - ay * bx) * orientation;
-      if (turn < -kTurnTolerance * std::hypot(ax, ay) * std::hypot(bx, by)) convex = false;
+      if (turn < -kTurnTolerance * cr_hypot(ax, ay) * cr_hypot(bx, by)) convex = false;
       const std::int32_t v = corner(disv, c, i);
       const std::int32_t w = corner(disv, c, j);
       faces.push_back({std::min(v, w), std::max(v, w), static_cast<std::int32_t>(c)});
@@ -181,7 +182,7 @@ GridQuality assess_grid(const DisvGrid& disv, const DomainRings& domain, double 
       const double fx = vertex_x(disv, faces[k].high) - vertex_x(disv, faces[k].low);
       const double fy = vertex_y(disv, faces[k].high) - vertex_y(disv, faces[k].low);
       // The face's normal is (fy, -fx): the angle between it and the centre line.
-      angles.push_back(std::atan2(std::fabs(ux * fx + uy * fy), std::fabs(ux * fy - uy * fx)) * kDegrees);
+      angles.push_back(cr_atan2(std::fabs(ux * fx + uy * fy), std::fabs(ux * fy - uy * fx)) * kDegrees);
     } else if (shared > 2 || !(on_domain_rim(faces[k].low) && on_domain_rim(faces[k].high))) {
       const std::int32_t first = shared > 2 ? std::min(faces[k].cell, faces[k + 1].cell) + 1 : cell;
       if (first_bad_face == 0 || first < first_bad_face) first_bad_face = first;

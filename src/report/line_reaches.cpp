@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "common/correctly_rounded.h"
+
 namespace tesseramill {
 
 namespace {
@@ -53,7 +55,7 @@ void line_reaches(const DisvGrid& disv, const CellLocator& locator, const double
     const double ay = xy[2 * k + 1];
     const double bx = xy[2 * k + 2];
     const double by = xy[2 * k + 3];
-    const double length = std::hypot(bx - ax, by - ay);
+    const double length = cr_hypot(bx - ax, by - ay);
     if (!(length > 0.0)) continue;
     // The segment is cut wherever it meets an edge of a cell it may pass,
     // so that each piece between two cuts lies in one cell, or along an
