@@ -9,6 +9,9 @@
 #define NOMINMAX
 #endif
 #include <windows.h>
+#include <aclapi.h>
+#include <fcntl.h>
+#include <io.h>
 #include <psapi.h>
 #include <shellapi.h>
 #else
@@ -124,7 +127,28 @@ void append_quoted(std::wstring& line, const std::wstring& word) {
 }  // namespace
 
 std::FILE* open_file(const std::string& name, const char* mode) {
-  return _wfopen(wide(name).c_str(), wide(mode).c_str());
+  const std::wstring path = wide(name);
+  std::FILE* file = _wfopen(path.c_str(), wide(mode).c_str());
+  if (file != nullptr || mode[0] != 'r') return file;
+  // Linux opens a folder for reading and fails at its first read, so a
+  // folder named as an input file is reported as a read error there.  The
+  // C runtime of Windows refuses to open a folder at all; the folder is
+  // opened here the way Windows allows (a handle with backup semantics),
+  // whose first read fails as on Linux, so that both systems print the same
+  // message.
+  const DWORD attributes = GetFileAttributesW(path.c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return nullptr;
+  HANDLE folder = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                              nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  if (folder == INVALID_HANDLE_VALUE) return nullptr;
+  const int descriptor = _open_osfhandle(reinterpret_cast<intptr_t>(folder), _O_RDONLY | _O_BINARY);
+  if (descriptor < 0) {
+    CloseHandle(folder);
+    return nullptr;
+  }
+  file = _fdopen(descriptor, "rb");
+  if (file == nullptr) _close(descriptor);
+  return file;
 }
 
 static std::vector<std::string> words_of(int argc, const char* const* argv) {
@@ -205,6 +229,34 @@ std::string own_program_path() {
   }
 }
 
+bool make_folder_read_only(const std::filesystem::path& folder) {
+  // A folder's read-only attribute does not stop new files on Windows; an
+  // access rule does.  It denies only the adding of entries to this folder
+  // (not inherited), so the empty folder can still be removed.
+  EXPLICIT_ACCESSW deny{};
+  deny.grfAccessPermissions = FILE_ADD_FILE | FILE_ADD_SUBDIRECTORY;
+  deny.grfAccessMode = DENY_ACCESS;
+  deny.grfInheritance = NO_INHERITANCE;
+  deny.Trustee.TrusteeForm = TRUSTEE_IS_NAME;
+  deny.Trustee.TrusteeType = TRUSTEE_IS_WELL_KNOWN_GROUP;
+  wchar_t everyone[] = L"EVERYONE";
+  deny.Trustee.ptstrName = everyone;
+  std::wstring path = folder.wstring();
+  PACL old_rules = nullptr;
+  PSECURITY_DESCRIPTOR descriptor = nullptr;
+  if (GetNamedSecurityInfoW(path.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &old_rules,
+                            nullptr, &descriptor) != ERROR_SUCCESS) {
+    return false;
+  }
+  PACL rules = nullptr;
+  bool done = SetEntriesInAclW(1, &deny, old_rules, &rules) == ERROR_SUCCESS &&
+              SetNamedSecurityInfoW(path.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, rules,
+                                    nullptr) == ERROR_SUCCESS;
+  if (rules != nullptr) LocalFree(rules);
+  LocalFree(descriptor);
+  return done;
+}
+
 const char* null_device() { return "NUL"; }
 
 const char* screen_line_end() { return "\r\n"; }
@@ -257,6 +309,10 @@ ChildRun run_child(const std::filesystem::path& folder, const std::string& progr
 }
 
 std::string own_program_path() { return "/proc/self/exe"; }
+
+bool make_folder_read_only(const std::filesystem::path& folder) {
+  return ::chmod(folder.c_str(), 0555) == 0;
+}
 
 const char* null_device() { return "/dev/null"; }
 

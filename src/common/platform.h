@@ -74,6 +74,12 @@ std::filesystem::path fresh_temporary_folder(const std::string& prefix);
 // The device that swallows what is written to it.
 const char* null_device();
 
+// Makes a folder refuse new files: on Linux by its permission bits, on
+// Windows by an access rule that denies everyone adding files or folders to
+// it.  Gives whether the system took the change.  An administrator or root
+// may still be let through, and Wine does not apply Windows access rules.
+bool make_folder_read_only(const std::filesystem::path& folder);
+
 // How a line of the screen ends: the C runtime of Windows writes its
 // text-mode standard output with CR LF, as every console program there
 // does; Linux ends it with LF alone.  Files are written in binary mode and
