@@ -77,10 +77,11 @@ windows:
 
 # Cross-compiles every program and the test suite for Windows and runs
 # every test under Wine, in a Wine prefix of its own inside the build folder.
+# Each half of the suite prints its failures and its count of tests.
 windows-test:
 	cmake -S . -B $(WINDOWS_BUILD) -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64.cmake
 	cmake --build $(WINDOWS_BUILD) -j 2
-	cd $(WINDOWS_BUILD) && ctest --output-on-failure -j 2
+	cd $(WINDOWS_BUILD) && ctest --verbose -j 2
 
 # Runs the Linux and the Windows mesher on both examples and the benchmark
 # family up to 100,000 cells and compares every written file byte for byte.
