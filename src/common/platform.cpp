@@ -1,5 +1,6 @@
 #include "common/platform.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <string_view>
@@ -14,6 +15,8 @@
 #include <io.h>
 #include <psapi.h>
 #include <shellapi.h>
+
+#include <thread>
 #else
 #include <fcntl.h>
 #include <sys/resource.h>
@@ -193,23 +196,35 @@ ChildRun run_child(const std::filesystem::path& folder, const std::string& progr
   PROCESS_INFORMATION process{};
   const std::wstring program_wide = wide(program);
   const std::wstring folder_wide = folder.wstring();
-  run.started = CreateProcessW(program_wide.c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                               folder_wide.c_str(), &startup, &process) != 0;
+  const bool started = CreateProcessW(program_wide.c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                                      folder_wide.c_str(), &startup, &process) != 0;
+  if (!started) run.status = 127;
   // The pipe ends at the child's exit only once no copy of its write end is
   // left open here.
   CloseHandle(write_end);
   if (input != INVALID_HANDLE_VALUE) CloseHandle(input);
-  if (run.started) {
-    char buffer[4096];
-    DWORD got = 0;
-    while (ReadFile(read_end, buffer, sizeof buffer, &got, nullptr) && got > 0) run.output.append(buffer, got);
-    WaitForSingleObject(process.hProcess, INFINITE);
+  if (started) {
+    // The screen is read on a thread of its own while this one samples the
+    // child's peak working set every 10 ms as well as after its end: Windows
+    // keeps the peak of an ended process, Wine does not (it reads a high
+    // water mark of the running process), so there the last sample is the
+    // peak, missing at most what the child's last 10 ms added.
+    std::thread reader([&run, read_end] {
+      char buffer[4096];
+      DWORD got = 0;
+      while (ReadFile(read_end, buffer, sizeof buffer, &got, nullptr) && got > 0) run.output.append(buffer, got);
+    });
+    auto sample_peak = [&] {
+      PROCESS_MEMORY_COUNTERS memory{};
+      if (GetProcessMemoryInfo(process.hProcess, &memory, sizeof memory)) {
+        run.peak_kib = std::max(run.peak_kib, static_cast<long>(memory.PeakWorkingSetSize / 1024));
+      }
+    };
+    while (WaitForSingleObject(process.hProcess, 10) == WAIT_TIMEOUT) sample_peak();
+    sample_peak();
+    reader.join();
     DWORD code = 0;
     if (GetExitCodeProcess(process.hProcess, &code)) run.status = static_cast<int>(code);
-    PROCESS_MEMORY_COUNTERS memory{};
-    if (GetProcessMemoryInfo(process.hProcess, &memory, sizeof memory)) {
-      run.peak_kib = static_cast<long>(memory.PeakWorkingSetSize / 1024);
-    }
     CloseHandle(process.hThread);
     CloseHandle(process.hProcess);
   }
@@ -292,9 +307,9 @@ ChildRun run_child(const std::filesystem::path& folder, const std::string& progr
   ::close(pipe_ends[1]);
   if (child < 0) {
     ::close(pipe_ends[0]);
+    run.status = 127;
     return run;
   }
-  run.started = true;
   char buffer[4096];
   ssize_t got = 0;
   while ((got = ::read(pipe_ends[0], buffer, sizeof buffer)) > 0) run.output.append(buffer, static_cast<std::size_t>(got));

@@ -27,6 +27,14 @@ struct CommandLine {
   // argv's table over `words`, ended by nullptr.
   std::vector<const char*> argv;
   int argc() const { return static_cast<int>(words.size()); }
+
+  // A copy's table would point into the original's words; a move keeps the
+  // words where they are.
+  CommandLine() = default;
+  CommandLine(const CommandLine&) = delete;
+  CommandLine& operator=(const CommandLine&) = delete;
+  CommandLine(CommandLine&&) = default;
+  CommandLine& operator=(CommandLine&&) = default;
 };
 CommandLine utf8_command_line(int argc, const char* const* argv);
 
@@ -42,8 +50,8 @@ enum class ChildStreams {
 
 // What a finished child left behind.
 struct ChildRun {
-  bool started = false;
-  // The exit status; -1 when the child did not end by exiting.
+  // The exit status; 127 when the program could not be started (as the
+  // shells have it), -1 when it did not end by exiting.
   int status = -1;
   // The collected streams, byte for byte as written (Windows ends the lines
   // of a text-mode standard output in CR LF).
