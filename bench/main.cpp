@@ -18,12 +18,8 @@
 //                                     rounded function and the system's
 //
 // Each run is a child process of its own, so that its peak memory is its own;
-// it runs this very binary through /proc/self/exe, which still names it when
-// a rebuild has replaced the file on disk meanwhile.
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
+// it runs this very binary again (through /proc/self/exe on Linux, which
+// still names it when a rebuild has replaced the file on disk meanwhile).
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -39,6 +35,7 @@
 #include <vector>
 
 #include "maths_speed.h"
+#include "common/platform.h"
 #include "model_family.h"
 #include "run/program.h"
 #include "triangulation/dtris2.h"
@@ -93,41 +90,22 @@ int run_one(bool reference) {
   return 0;
 }
 
-// Runs `argv` in `folder` as a child process; gives its stdout, wall time and
-// peak memory.
+// Runs `args` in `folder` as a child process; gives its stdout, wall time
+// and peak memory.
 Timing spawn(const std::vector<std::string>& args, const fs::path& folder, std::string& out) {
-  int pipe_ends[2];
-  if (::pipe(pipe_ends) != 0) std::exit(1);
   const auto start = std::chrono::steady_clock::now();
-  const pid_t child = ::fork();
-  if (child == 0) {
-    ::dup2(pipe_ends[1], 1);
-    ::close(pipe_ends[0]);
-    if (::chdir(folder.c_str()) != 0) ::_exit(127);
-    std::vector<char*> argv;
-    std::vector<std::string> words = args;
-    for (std::string& w : words) argv.push_back(w.data());
-    argv.push_back(nullptr);
-    ::execv(argv[0], argv.data());
-    ::_exit(127);
-  }
-  ::close(pipe_ends[1]);
-  char buffer[4096];
-  ssize_t n;
-  while ((n = ::read(pipe_ends[0], buffer, sizeof buffer)) > 0) out.append(buffer, static_cast<std::size_t>(n));
-  ::close(pipe_ends[0]);
-  int status = 0;
-  struct rusage usage {};
-  ::wait4(child, &status, 0, &usage);
+  const std::vector<std::string> rest(args.begin() + 1, args.end());
+  const tesseramill::ChildRun child = tesseramill::run_child(folder, args[0], rest, tesseramill::ChildStreams::kOutput);
   Timing timing;
   timing.wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  timing.peak_kib = usage.ru_maxrss;
-  timing.ok = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+  out = child.output;
+  timing.peak_kib = child.peak_kib;
+  timing.ok = child.status == 0;
   return timing;
 }
 
 Timing time_library(const fs::path& folder, bool reference) {
-  std::vector<std::string> args = {std::string("/proc/self/exe"), "--run-one"};
+  std::vector<std::string> args = {tesseramill::own_program_path(), "--run-one"};
   if (reference) args.push_back("--reference");
   std::string out;
   Timing timing = spawn(args, folder, out);
@@ -214,13 +192,13 @@ std::vector<Row> family(const std::vector<double>& sizes, bool with_outline) {
 // program shifts its coordinates: the median of three calls each, and
 // whether the two gave the same tables.
 int time_triangulation(double size) {
-  const fs::path folder = fs::temp_directory_path() / ("tesseramill_bench_" + std::to_string(::getpid()));
+  const fs::path folder = tesseramill::fresh_temporary_folder("tesseramill_bench_");
   fs::remove_all(folder);
   ModelRecipe recipe = tesseramill_bench::family_model(size);
   recipe.max_lloyd = 0;
   tesseramill_bench::write_model(recipe, folder);
   std::string out;
-  const Timing run = spawn({std::string("/proc/self/exe"), "--run-one"}, folder, out);
+  const Timing run = spawn({tesseramill::own_program_path(), "--run-one"}, folder, out);
   std::ifstream table(folder / "model_polygon_centroids_0.dat");
   std::string head;
   std::getline(table, head);
@@ -327,7 +305,7 @@ int main(int argc, char** argv) {
     }
   }
 
-  const fs::path scratch = fs::temp_directory_path() / ("tesseramill_bench_" + std::to_string(::getpid()));
+  const fs::path scratch = tesseramill::fresh_temporary_folder("tesseramill_bench_");
   std::cout << "Wall seconds per phase (read: control and BLN files and checks; bound: boundary chains;\n"
                "inter: interior emplacement; lloyd: the Lloyd passes with their map files; write: final\n"
                "and MODFLOW 6 files), peak memory per cell, and the reference path's time as a multiple.\n\n";

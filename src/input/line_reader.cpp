@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "common/platform.h"
+
 namespace tesseramill {
 
 LineReader::~LineReader() { close_lines(*this); }
@@ -12,7 +14,7 @@ bool open_lines(LineReader& reader, const std::string& name) {
   // No file name can hold a NUL byte; handing the name over would open the
   // file named by the part before it.
   if (name.find('\0') != std::string::npos) return false;
-  reader.file = std::fopen(name.c_str(), "rb");
+  reader.file = open_file(name, "rb");
   return reader.file != nullptr;
 }
 

@@ -1,5 +1,6 @@
 #include "output/text_file.h"
 
+#include "common/platform.h"
 #include "run/failure.h"
 #include "run/limits.h"
 #include "run/text_tools.h"
@@ -25,7 +26,7 @@ void open_output(RunState& state, OutputFile& out, const std::string& name) {
   close_output(out);
   out.name = fit_field(name, kFileNameLength);
   // A name holding a NUL byte names no file; the part before it is another file.
-  if (out.name.find('\0') == std::string::npos) out.file = std::fopen(out.name.c_str(), "wb");
+  if (out.name.find('\0') == std::string::npos) out.file = open_file(out.name, "wb");
   if (out.file == nullptr) fail(state, "Cannot write to file " + out.name + ".");
   out.failed = false;
   out.pending.reserve(kFlushSize + 4096);

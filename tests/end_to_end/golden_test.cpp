@@ -6,9 +6,11 @@
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
+#include <optional>
 #include <set>
 #include <sstream>
 
+#include "common/platform.h"
 #include "support/disv_check.h"
 #include "support/scratch.h"
 
@@ -137,7 +139,8 @@ int mif_regions(const std::string& mif) {
 }
 
 TEST(MapFiles, OpenInAGisReader) {
-  if (std::system("command -v ogrinfo > /dev/null 2>&1") != 0) {
+  const std::optional<fs::path> ogrinfo = tesseramill::find_on_path("ogrinfo");
+  if (!ogrinfo) {
     GTEST_SKIP() << "ogrinfo (Debian package gdal-bin) is not installed: MIF files not opened";
   }
   const fs::path golden = source_path("tests/golden/full");
@@ -146,12 +149,10 @@ TEST(MapFiles, OpenInAGisReader) {
     const std::string stem = fs::path(name).stem().string();
     fs::copy_file(golden / name, dir.path() / name);
     fs::copy_file(golden / (stem + ".mid"), dir.path() / (stem + ".mid"));
-    const std::string out = (dir.path() / "ogr.txt").string();
-    const std::string command = "ogrinfo -ro -al -so '" + (dir.path() / name).string() + "' > '" + out + "' 2>&1";
-    ASSERT_EQ(std::system(command.c_str()), 0) << read_file(out);
+    const RunResult out = run_executable(dir.path(), ogrinfo->string(), {"-ro", "-al", "-so", name});
+    ASSERT_EQ(out.status, 0) << out.screen;
     const int regions = mif_regions(read_file(golden / name));
-    EXPECT_NE(read_file(out).find("Feature Count: " + std::to_string(regions)), std::string::npos)
-        << read_file(out);
+    EXPECT_NE(out.screen.find("Feature Count: " + std::to_string(regions)), std::string::npos) << out.screen;
   }
 }
 

@@ -1,19 +1,20 @@
 #include "fuzz/fuzz_folder.h"
 
-#include <unistd.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
+
+#include "common/platform.h"
 
 namespace tesseramill_fuzz {
 
 void enter_fuzz_folder() {
   static bool entered = false;
   if (entered) return;
-  std::string pattern = (std::filesystem::temp_directory_path() / "tesseramill_fuzz_XXXXXX").string();
-  if (::mkdtemp(pattern.data()) == nullptr || ::chdir(pattern.c_str()) != 0) std::abort();
+  std::error_code error;
+  std::filesystem::current_path(tesseramill::fresh_temporary_folder("tesseramill_fuzz_"), error);
+  if (error) std::abort();
   entered = true;
 }
 

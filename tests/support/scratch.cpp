@@ -2,58 +2,30 @@
 
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
-#include <sys/wait.h>
-
 #include <algorithm>
-#include <cstdio>
-#include <atomic>
-#include <cstdlib>
 #include <fstream>
 #include <sstream>
-#include <unistd.h>
+
+#include "common/platform.h"
 
 namespace tesseramill_test {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-std::string quoted(const std::string& text) {
-  std::string out = "'";
-  for (char c : text) {
-    if (c == '\'') {
-      out += "'\\''";
-    } else {
-      out += c;
-    }
-  }
-  return out + "'";
-}
-
-}  // namespace
-
-ScratchDir::ScratchDir() {
-  static std::atomic<int> serial{0};
-  path_ = fs::temp_directory_path() /
-          ("tesseramill_test_" + std::to_string(::getpid()) + "_" + std::to_string(serial++));
-  fs::remove_all(path_);
-  fs::create_directories(path_);
-}
+ScratchDir::ScratchDir() : path_(tesseramill::fresh_temporary_folder("tesseramill_test_")) {}
 
 ScratchDir::~ScratchDir() {
   std::error_code ignored;
   fs::remove_all(path_, ignored);
-  fs::remove(path_.string() + ".screen", ignored);
 }
 
 void ScratchDir::write(const std::string& name, const std::string& content) const {
-  std::ofstream out(path_ / name, std::ios::binary);
+  std::ofstream out(path_ / tesseramill::path_from_utf8(name), std::ios::binary);
   out << content;
 }
 
 std::string ScratchDir::read(const std::string& name) const {
-  std::ifstream in(path_ / name, std::ios::binary);
+  std::ifstream in(path_ / tesseramill::path_from_utf8(name), std::ios::binary);
   std::ostringstream text;
   text << in.rdbuf();
   return text.str();
@@ -62,10 +34,26 @@ std::string ScratchDir::read(const std::string& name) const {
 std::vector<std::string> ScratchDir::listing() const {
   std::vector<std::string> names;
   for (const auto& entry : fs::directory_iterator(path_)) {
-    names.push_back(entry.path().filename().string());
+    names.push_back(tesseramill::path_to_utf8(entry.path().filename()));
   }
   std::sort(names.begin(), names.end());
   return names;
+}
+
+std::string lf_line_ends(const std::string& screen) {
+  const std::string line_end = tesseramill::screen_line_end();
+  if (line_end == "\n") return screen;
+  std::string text;
+  text.reserve(screen.size());
+  for (std::size_t at = 0; at < screen.size();) {
+    if (screen.compare(at, line_end.size(), line_end) == 0) {
+      text += '\n';
+      at += line_end.size();
+    } else {
+      text += screen[at++];
+    }
+  }
+  return text;
 }
 
 RunResult run_binary(const ScratchDir& dir, const std::vector<std::string>& args) {
@@ -77,48 +65,22 @@ RunResult run_report_binary(const ScratchDir& dir, const std::vector<std::string
 }
 
 RunResult run_executable(const fs::path& dir, const std::string& executable, const std::vector<std::string>& args) {
-  const std::string screen_file = dir.string() + ".screen";
-  std::string command = "cd " + quoted(dir.string()) + " && " + quoted(executable);
-  for (const std::string& arg : args) command += " " + quoted(arg);
-  command += " > " + quoted(screen_file) + " 2>&1 < /dev/null";
-  int raw = std::system(command.c_str());
-  RunResult result;
-  result.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-  std::ifstream in(screen_file, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  result.screen = text.str();
-  return result;
+  return run_measured(dir, executable, args).result;
+}
+
+MeasuredRun run_measured(const fs::path& dir, const std::string& executable, const std::vector<std::string>& args) {
+  const tesseramill::ChildRun child = tesseramill::run_child(dir, executable, args);
+  MeasuredRun run;
+  run.result.raw_screen = child.output;
+  run.result.screen = lf_line_ends(child.output);
+  run.result.status = child.status;
+  run.peak_kib = child.peak_kib;
+  return run;
 }
 
 MeasuredRun run_measured(const ScratchDir& dir, const std::string& executable,
                          const std::vector<std::string>& args) {
-  const std::string screen_file = dir.path().string() + ".screen";
-  std::vector<std::string> words = {executable};
-  words.insert(words.end(), args.begin(), args.end());
-  std::vector<char*> argv;
-  for (std::string& word : words) argv.push_back(word.data());
-  argv.push_back(nullptr);
-  MeasuredRun run;
-  const pid_t child = ::fork();
-  if (child == 0) {
-    if (::chdir(dir.path().c_str()) != 0) ::_exit(127);
-    if (!std::freopen(screen_file.c_str(), "w", stdout)) ::_exit(127);
-    ::dup2(::fileno(stdout), 2);
-    ::execv(executable.c_str(), argv.data());
-    ::_exit(127);
-  }
-  int raw = 0;
-  struct rusage usage {};
-  if (child > 0 && ::wait4(child, &raw, 0, &usage) == child) {
-    run.result.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    run.peak_kib = usage.ru_maxrss;
-  }
-  std::ifstream in(screen_file, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  run.result.screen = text.str();
-  return run;
+  return run_measured(dir.path(), executable, args);
 }
 
 RunResult run_on_control(const std::string& control) {

@@ -24,10 +24,18 @@ class ScratchDir {
   std::filesystem::path path_;
 };
 
+// A finished run of a program: its screen (standard output and standard
+// error together) with every line ended by LF, the screen as the program
+// wrote it, and the exit status.
 struct RunResult {
   std::string screen;
+  std::string raw_screen;
   int status = -1;
 };
+
+// A screen text with the platform's screen line ends (CR LF on Windows)
+// turned into LF, the only way screens differ between platforms.
+std::string lf_line_ends(const std::string& screen);
 
 // Runs the tesseramill executable in `dir` with the given arguments.
 RunResult run_binary(const ScratchDir& dir, const std::vector<std::string>& args);
@@ -47,6 +55,8 @@ struct MeasuredRun {
   long peak_kib = 0;
 };
 MeasuredRun run_measured(const ScratchDir& dir, const std::string& executable,
+                         const std::vector<std::string>& args);
+MeasuredRun run_measured(const std::filesystem::path& dir, const std::string& executable,
                          const std::vector<std::string>& args);
 
 // Writes `control` as t.in into a new scratch folder and runs the program on it.

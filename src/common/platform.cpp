@@ -1,0 +1,346 @@
+#include "common/platform.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <string_view>
+
+#ifdef _WIN32
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+#include <aclapi.h>
+#include <fcntl.h>
+#include <io.h>
+#include <psapi.h>
+#include <shellapi.h>
+
+#include <thread>
+#else
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
+namespace tesseramill {
+
+namespace fs = std::filesystem;
+
+std::filesystem::path path_from_utf8(const std::string& text) {
+  return fs::path(std::u8string(reinterpret_cast<const char8_t*>(text.data()), text.size()));
+}
+
+std::string path_to_utf8(const std::filesystem::path& path) {
+  const std::u8string text = path.u8string();
+  return std::string(reinterpret_cast<const char*>(text.data()), text.size());
+}
+
+std::optional<std::filesystem::path> find_on_path(const std::string& name) {
+  const char* list = std::getenv("PATH");
+  if (list == nullptr) return std::nullopt;
+#ifdef _WIN32
+  constexpr char kSeparator = ';';
+  const std::vector<std::string> endings = {"", ".exe"};
+#else
+  constexpr char kSeparator = ':';
+  const std::vector<std::string> endings = {""};
+#endif
+  const std::string_view folders(list);
+  for (std::size_t from = 0; from <= folders.size();) {
+    std::size_t to = folders.find(kSeparator, from);
+    if (to == std::string_view::npos) to = folders.size();
+    if (to > from) {
+      for (const std::string& ending : endings) {
+        const fs::path candidate = fs::path(std::string(folders.substr(from, to - from))) / (name + ending);
+        std::error_code error;
+        if (fs::is_regular_file(candidate, error)) return candidate;
+      }
+    }
+    from = to + 1;
+  }
+  return std::nullopt;
+}
+
+std::filesystem::path fresh_temporary_folder(const std::string& prefix) {
+  // A serial of this process and a clock reading make the name unlikely to
+  // be taken; create_directory, which fails on a folder that exists, makes
+  // sure it is not.
+  static std::atomic<unsigned long> serial{0};
+  const fs::path base = fs::temp_directory_path();
+#ifdef _WIN32
+  const unsigned long process = GetCurrentProcessId();
+#else
+  const unsigned long process = static_cast<unsigned long>(::getpid());
+#endif
+  for (;;) {
+    const fs::path folder = base / (prefix + std::to_string(process) + "_" + std::to_string(serial++));
+    std::error_code error;
+    if (fs::create_directory(folder, error)) return folder;
+    if (error) throw fs::filesystem_error("cannot create a temporary folder", folder, error);
+  }
+}
+
+#ifdef _WIN32
+
+namespace {
+
+std::wstring wide(const std::string& text) {
+  if (text.empty()) return {};
+  const int size = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
+  std::wstring out(static_cast<std::size_t>(size), L'\0');
+  MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), out.data(), size);
+  return out;
+}
+
+std::string utf8(const wchar_t* text) {
+  const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
+  if (size <= 1) return {};
+  std::string out(static_cast<std::size_t>(size), '\0');
+  WideCharToMultiByte(CP_UTF8, 0, text, -1, out.data(), size, nullptr, nullptr);
+  out.pop_back();
+  return out;
+}
+
+// One word of a command line as the C runtime's parser reads it back: in
+// quotes, with the backslashes before a quote (and before the closing quote)
+// doubled and the quote escaped.
+void append_quoted(std::wstring& line, const std::wstring& word) {
+  line += L'"';
+  std::size_t backslashes = 0;
+  for (wchar_t c : word) {
+    if (c == L'\\') {
+      ++backslashes;
+      continue;
+    }
+    if (c == L'"') {
+      line.append(2 * backslashes + 1, L'\\');
+    } else {
+      line.append(backslashes, L'\\');
+    }
+    backslashes = 0;
+    line += c;
+  }
+  line.append(2 * backslashes, L'\\');
+  line += L'"';
+}
+
+}  // namespace
+
+std::FILE* open_file(const std::string& name, const char* mode) {
+  const std::wstring path = wide(name);
+  std::FILE* file = _wfopen(path.c_str(), wide(mode).c_str());
+  if (file != nullptr || mode[0] != 'r') return file;
+  // Linux opens a folder for reading and fails at its first read, so a
+  // folder named as an input file is reported as a read error there.  The
+  // C runtime of Windows refuses to open a folder at all; the folder is
+  // opened here the way Windows allows (a handle with backup semantics),
+  // whose first read fails as on Linux, so that both systems print the same
+  // message.
+  const DWORD attributes = GetFileAttributesW(path.c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return nullptr;
+  HANDLE folder = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                              nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  if (folder == INVALID_HANDLE_VALUE) return nullptr;
+  const int descriptor = _open_osfhandle(reinterpret_cast<intptr_t>(folder), _O_RDONLY | _O_BINARY);
+  if (descriptor < 0) {
+    CloseHandle(folder);
+    return nullptr;
+  }
+  file = _fdopen(descriptor, "rb");
+  if (file == nullptr) _close(descriptor);
+  return file;
+}
+
+static std::vector<std::string> words_of(int argc, const char* const* argv) {
+  int count = 0;
+  wchar_t** words = CommandLineToArgvW(GetCommandLineW(), &count);
+  std::vector<std::string> out;
+  if (words == nullptr || count != argc) {
+    // Not started from a command line of its own (a test calling main's
+    // work with made-up words): the words given are taken as they are.
+    if (words != nullptr) LocalFree(words);
+    for (int k = 0; k < argc; ++k) out.emplace_back(argv[k]);
+    return out;
+  }
+  for (int k = 0; k < count; ++k) out.push_back(utf8(words[k]));
+  LocalFree(words);
+  return out;
+}
+
+ChildRun run_child(const std::filesystem::path& folder, const std::string& program,
+                   const std::vector<std::string>& args, ChildStreams streams) {
+  ChildRun run;
+  SECURITY_ATTRIBUTES inherit{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+  HANDLE read_end = nullptr;
+  HANDLE write_end = nullptr;
+  if (!CreatePipe(&read_end, &write_end, &inherit, 0)) return run;
+  SetHandleInformation(read_end, HANDLE_FLAG_INHERIT, 0);
+  HANDLE input = CreateFileW(L"NUL", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherit, OPEN_EXISTING, 0,
+                             nullptr);
+
+  std::wstring line;
+  append_quoted(line, wide(program));
+  for (const std::string& arg : args) {
+    line += L' ';
+    append_quoted(line, wide(arg));
+  }
+  STARTUPINFOW startup{};
+  startup.cb = sizeof startup;
+  startup.dwFlags = STARTF_USESTDHANDLES;
+  startup.hStdInput = input;
+  startup.hStdOutput = write_end;
+  startup.hStdError = streams == ChildStreams::kOutputAndErrors ? write_end : GetStdHandle(STD_ERROR_HANDLE);
+  PROCESS_INFORMATION process{};
+  const std::wstring program_wide = wide(program);
+  const std::wstring folder_wide = folder.wstring();
+  const bool started = CreateProcessW(program_wide.c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                                      folder_wide.c_str(), &startup, &process) != 0;
+  if (!started) run.status = 127;
+  // The pipe ends at the child's exit only once no copy of its write end is
+  // left open here.
+  CloseHandle(write_end);
+  if (input != INVALID_HANDLE_VALUE) CloseHandle(input);
+  if (started) {
+    // The screen is read on a thread of its own while this one samples the
+    // child's peak working set every 10 ms as well as after its end: Windows
+    // keeps the peak of an ended process, Wine does not (it reads a high
+    // water mark of the running process), so there the last sample is the
+    // peak, missing at most what the child's last 10 ms added.
+    std::thread reader([&run, read_end] {
+      char buffer[4096];
+      DWORD got = 0;
+      while (ReadFile(read_end, buffer, sizeof buffer, &got, nullptr) && got > 0) run.output.append(buffer, got);
+    });
+    auto sample_peak = [&] {
+      PROCESS_MEMORY_COUNTERS memory{};
+      if (GetProcessMemoryInfo(process.hProcess, &memory, sizeof memory)) {
+        run.peak_kib = std::max(run.peak_kib, static_cast<long>(memory.PeakWorkingSetSize / 1024));
+      }
+    };
+    while (WaitForSingleObject(process.hProcess, 10) == WAIT_TIMEOUT) sample_peak();
+    sample_peak();
+    reader.join();
+    DWORD code = 0;
+    if (GetExitCodeProcess(process.hProcess, &code)) run.status = static_cast<int>(code);
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+  }
+  CloseHandle(read_end);
+  return run;
+}
+
+std::string own_program_path() {
+  std::wstring name(MAX_PATH, L'\0');
+  for (;;) {
+    const DWORD size = GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size()));
+    if (size < name.size()) {
+      name.resize(size);
+      return utf8(name.c_str());
+    }
+    name.resize(2 * name.size());
+  }
+}
+
+bool make_folder_read_only(const std::filesystem::path& folder) {
+  // A folder's read-only attribute does not stop new files on Windows; an
+  // access rule does.  It denies only the adding of entries to this folder
+  // (not inherited), so the empty folder can still be removed.
+  EXPLICIT_ACCESSW deny{};
+  deny.grfAccessPermissions = FILE_ADD_FILE | FILE_ADD_SUBDIRECTORY;
+  deny.grfAccessMode = DENY_ACCESS;
+  deny.grfInheritance = NO_INHERITANCE;
+  deny.Trustee.TrusteeForm = TRUSTEE_IS_NAME;
+  deny.Trustee.TrusteeType = TRUSTEE_IS_WELL_KNOWN_GROUP;
+  wchar_t everyone[] = L"EVERYONE";
+  deny.Trustee.ptstrName = everyone;
+  std::wstring path = folder.wstring();
+  PACL old_rules = nullptr;
+  PSECURITY_DESCRIPTOR descriptor = nullptr;
+  if (GetNamedSecurityInfoW(path.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &old_rules,
+                            nullptr, &descriptor) != ERROR_SUCCESS) {
+    return false;
+  }
+  PACL rules = nullptr;
+  bool done = SetEntriesInAclW(1, &deny, old_rules, &rules) == ERROR_SUCCESS &&
+              SetNamedSecurityInfoW(path.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, rules,
+                                    nullptr) == ERROR_SUCCESS;
+  if (rules != nullptr) LocalFree(rules);
+  LocalFree(descriptor);
+  return done;
+}
+
+const char* null_device() { return "NUL"; }
+
+const char* screen_line_end() { return "\r\n"; }
+
+#else
+
+std::FILE* open_file(const std::string& name, const char* mode) { return std::fopen(name.c_str(), mode); }
+
+static std::vector<std::string> words_of(int argc, const char* const* argv) {
+  return std::vector<std::string>(argv, argv + argc);
+}
+
+ChildRun run_child(const std::filesystem::path& folder, const std::string& program,
+                   const std::vector<std::string>& args, ChildStreams streams) {
+  ChildRun run;
+  int pipe_ends[2];
+  if (::pipe(pipe_ends) != 0) return run;
+  std::vector<std::string> words = {program};
+  words.insert(words.end(), args.begin(), args.end());
+  std::vector<char*> argv;
+  for (std::string& word : words) argv.push_back(word.data());
+  argv.push_back(nullptr);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::close(pipe_ends[0]);
+    const int input = ::open("/dev/null", O_RDONLY);
+    if (input < 0 || ::dup2(input, 0) < 0 || ::dup2(pipe_ends[1], 1) < 0) ::_exit(127);
+    if (streams == ChildStreams::kOutputAndErrors && ::dup2(pipe_ends[1], 2) < 0) ::_exit(127);
+    if (::chdir(folder.c_str()) != 0) ::_exit(127);
+    ::execv(argv[0], argv.data());
+    ::_exit(127);
+  }
+  ::close(pipe_ends[1]);
+  if (child < 0) {
+    ::close(pipe_ends[0]);
+    run.status = 127;
+    return run;
+  }
+  char buffer[4096];
+  ssize_t got = 0;
+  while ((got = ::read(pipe_ends[0], buffer, sizeof buffer)) > 0) run.output.append(buffer, static_cast<std::size_t>(got));
+  ::close(pipe_ends[0]);
+  int raw = 0;
+  struct rusage usage {};
+  if (::wait4(child, &raw, 0, &usage) == child) {
+    run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    run.peak_kib = usage.ru_maxrss;
+  }
+  return run;
+}
+
+std::string own_program_path() { return "/proc/self/exe"; }
+
+bool make_folder_read_only(const std::filesystem::path& folder) {
+  return ::chmod(folder.c_str(), 0555) == 0;
+}
+
+const char* null_device() { return "/dev/null"; }
+
+const char* screen_line_end() { return "\n"; }
+
+#endif
+
+CommandLine utf8_command_line(int argc, const char* const* argv) {
+  CommandLine line;
+  line.words = words_of(argc, argv);
+  for (const std::string& word : line.words) line.argv.push_back(word.c_str());
+  line.argv.push_back(nullptr);
+  return line;
+}
+
+}  // namespace tesseramill

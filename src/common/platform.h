@@ -1,0 +1,97 @@
+// What the operating system does differently on Linux and on Windows, behind
+// one face: opening files by a UTF-8 name, the command line in UTF-8,
+// starting a child program and collecting its screen, the program's own
+// path, fresh temporary folders, the null device and file permissions.
+// Everything else in the system is plain portable C++.
+#pragma once
+
+#include <cstdio>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tesseramill {
+
+// Opens the file of a UTF-8 `name` with an fopen `mode`.  On Windows the
+// name goes to the wide-character call, so that any name Windows can hold
+// is reached whatever the system's code page; on Linux names are bytes and
+// go as they stand.  Gives nullptr when the file cannot be opened.
+std::FILE* open_file(const std::string& name, const char* mode);
+
+// The command-line words in UTF-8.  On Windows they are taken from the wide
+// command line, since argv holds them in the system's code page, where
+// letters outside it are lost; on Linux they are argv's bytes.
+struct CommandLine {
+  std::vector<std::string> words;
+  // argv's table over `words`, ended by nullptr.
+  std::vector<const char*> argv;
+  int argc() const { return static_cast<int>(words.size()); }
+
+  // A copy's table would point into the original's words; a move keeps the
+  // words where they are.
+  CommandLine() = default;
+  CommandLine(const CommandLine&) = delete;
+  CommandLine& operator=(const CommandLine&) = delete;
+  CommandLine(CommandLine&&) = default;
+  CommandLine& operator=(CommandLine&&) = default;
+};
+CommandLine utf8_command_line(int argc, const char* const* argv);
+
+// A path from its UTF-8 text, and the UTF-8 text of a path.
+std::filesystem::path path_from_utf8(const std::string& text);
+std::string path_to_utf8(const std::filesystem::path& path);
+
+// Which of the child's streams are collected.
+enum class ChildStreams {
+  kOutput,           // standard output; standard error goes where ours goes
+  kOutputAndErrors,  // both, interleaved as the child writes them
+};
+
+// What a finished child left behind.
+struct ChildRun {
+  // The exit status; 127 when the program could not be started (as the
+  // shells have it), -1 when it did not end by exiting.
+  int status = -1;
+  // The collected streams, byte for byte as written (Windows ends the lines
+  // of a text-mode standard output in CR LF).
+  std::string output;
+  // The most memory the child held at once, in KiB: its peak resident set
+  // on Linux, its peak working set on Windows.
+  long peak_kib = 0;
+};
+
+// Starts `program` (a path) with `args` in `folder`, standard input from the
+// null device, waits for it to end and gives its status, streams and peak
+// memory.
+ChildRun run_child(const std::filesystem::path& folder, const std::string& program,
+                   const std::vector<std::string>& args, ChildStreams streams = ChildStreams::kOutputAndErrors);
+
+// A path that starts this very program again.  On Linux it is
+// /proc/self/exe, which still names the running binary when a rebuild has
+// replaced the file on disk meanwhile.
+std::string own_program_path();
+
+// The program of that name found along PATH (on Windows also with ".exe").
+std::optional<std::filesystem::path> find_on_path(const std::string& name);
+
+// A new, empty folder under the system's temporary folder whose name starts
+// with `prefix`; no other caller, in this process or another, gets it.
+std::filesystem::path fresh_temporary_folder(const std::string& prefix);
+
+// The device that swallows what is written to it.
+const char* null_device();
+
+// Makes a folder refuse new files: on Linux by its permission bits, on
+// Windows by an access rule that denies everyone adding files or folders to
+// it.  Gives whether the system took the change.  An administrator or root
+// may still be let through, and Wine does not apply Windows access rules.
+bool make_folder_read_only(const std::filesystem::path& folder);
+
+// How a line of the screen ends: the C runtime of Windows writes its
+// text-mode standard output with CR LF, as every console program there
+// does; Linux ends it with LF alone.  Files are written in binary mode and
+// end their lines with LF everywhere.
+const char* screen_line_end();
+
+}  // namespace tesseramill

@@ -1,0 +1,118 @@
+// The platform module gives the same answers on Linux and on Windows.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+
+#include "common/platform.h"
+#include "support/scratch.h"
+
+namespace tesseramill_test {
+namespace {
+
+namespace fs = std::filesystem;
+using tesseramill::ChildRun;
+using tesseramill::ChildStreams;
+using tesseramill::run_child;
+
+const std::string kBenchUsage =
+    "usage: tesseramill-bench [--sizes 1e3,1e4,...,outline] [--binary PATH] | --write SIZE|outline DIR "
+    "[MAX_LLOYD] | --triangulation SIZE | --maths\n";
+
+// The benchmark refuses an unknown option with its usage on standard error
+// and status 2.
+TEST(Platform, ChildStatusAndStreams) {
+  ScratchDir dir;
+  const ChildRun both = run_child(dir.path(), TESSERAMILL_BENCH_BINARY, {"--no-such-option"});
+  EXPECT_EQ(both.status, 2);
+  EXPECT_EQ(lf_line_ends(both.output), kBenchUsage);
+  const ChildRun output_only =
+      run_child(dir.path(), TESSERAMILL_BENCH_BINARY, {"--no-such-option"}, ChildStreams::kOutput);
+  EXPECT_EQ(output_only.status, 2);
+  EXPECT_EQ(output_only.output, "");
+}
+
+TEST(Platform, ProgramThatCannotStart) {
+  ScratchDir dir;
+  const ChildRun run = run_child(dir.path(), tesseramill::path_to_utf8(dir.path() / "absent.exe"), {});
+  EXPECT_EQ(run.status, 127);
+  EXPECT_EQ(run.output, "");
+}
+
+// Arguments reach the child word for word: blanks, quotes and backslashes
+// (which Windows passes in one command line that the child's runtime parts
+// again), and letters beyond ASCII.  The mesher echoes its argument.
+TEST(Platform, ArgumentsReachTheChildAsGiven) {
+  ScratchDir dir;
+  for (const std::string word : {"my model.in", "a\\\"b\\", "x\\ y\\\\", "\"", "Grünau ø.in"}) {
+    const RunResult result = run_binary(dir, {word});
+    EXPECT_EQ(result.screen, reading(word) + "\n Cannot open TESSERAMILL input file " + word + ".\n") << word;
+  }
+}
+
+// The child runs in the folder given: the files it writes land there.
+TEST(Platform, ChildRunsInTheFolderGiven) {
+  ScratchDir dir;
+  copy_model(dir, "square");
+  const ChildRun run = run_child(dir.path(), TESSERAMILL_BINARY, {"square.in"});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_NE(lf_line_ends(run.output).find(" - file square.oc written ok.\n"), std::string::npos) << run.output;
+  EXPECT_TRUE(fs::exists(dir.path() / "square.disv"));
+  EXPECT_GT(run.peak_kib, 0);
+}
+
+TEST(Platform, OwnProgramPathStartsThisProgram) {
+  ScratchDir dir;
+  const ChildRun run = run_child(dir.path(), tesseramill::own_program_path(),
+                                 {"--gtest_list_tests", "--gtest_filter=Platform.OwnProgramPathStartsThisProgram"});
+  EXPECT_EQ(run.status, 0);
+  // GoogleTest's main() may first name its source file.
+  const std::string listing = "Platform.\n  OwnProgramPathStartsThisProgram\n";
+  EXPECT_EQ(screen_tail(lf_line_ends(run.output), listing.size()), listing) << run.output;
+}
+
+TEST(Platform, FreshTemporaryFoldersAreNewAndEmpty) {
+  const fs::path first = tesseramill::fresh_temporary_folder("tesseramill_platform_");
+  const fs::path second = tesseramill::fresh_temporary_folder("tesseramill_platform_");
+  EXPECT_NE(first, second);
+  EXPECT_TRUE(fs::is_directory(fs::temp_directory_path() / first.filename()));
+  EXPECT_TRUE(fs::is_directory(first) && fs::is_empty(first));
+  EXPECT_TRUE(fs::is_directory(second) && fs::is_empty(second));
+  EXPECT_EQ(first.filename().string().rfind("tesseramill_platform_", 0), 0u);
+  fs::remove(first);
+  fs::remove(second);
+}
+
+// A UTF-8 name opens the file that the file system lists under that name.
+TEST(Platform, FilesByUtf8Names) {
+  ScratchDir dir;
+  const std::string name = "Außengrenze ø é.bln";
+  std::FILE* file = tesseramill::open_file(tesseramill::path_to_utf8(dir.path()) + "/" + name, "wb");
+  ASSERT_NE(file, nullptr);
+  std::fputs("5\n", file);
+  std::fclose(file);
+  EXPECT_EQ(dir.listing(), std::vector<std::string>{name});
+  EXPECT_EQ(dir.read(name), "5\n");
+  EXPECT_EQ(tesseramill::path_to_utf8(tesseramill::path_from_utf8(name)), name);
+}
+
+TEST(Platform, NullDeviceSwallowsWritesAndReadsEmpty) {
+  std::FILE* out = tesseramill::open_file(tesseramill::null_device(), "wb");
+  ASSERT_NE(out, nullptr);
+  EXPECT_GE(std::fputs("gone", out), 0);
+  EXPECT_EQ(std::fflush(out), 0);
+  EXPECT_EQ(std::fclose(out), 0);
+  std::FILE* in = tesseramill::open_file(tesseramill::null_device(), "rb");
+  ASSERT_NE(in, nullptr);
+  EXPECT_EQ(std::getc(in), EOF);
+  EXPECT_FALSE(std::ferror(in));
+  std::fclose(in);
+}
+
+TEST(Platform, ProgramNotOnPath) {
+  EXPECT_FALSE(tesseramill::find_on_path("tesseramill_no_such_program").has_value());
+}
+
+}  // namespace
+}  // namespace tesseramill_test
