@@ -2,7 +2,7 @@
 BUILD := build
 FUZZ_SECONDS ?= 60
 
-.PHONY: build demo test bench sanitize fuzz mf6-check clean
+.PHONY: build demo gis-demo test bench sanitize fuzz mf6-check clean
 
 build:
 	cmake -S . -B $(BUILD)
@@ -17,6 +17,17 @@ demo:
 	mkdir -p $(BUILD)/demo
 	cp examples/catchment/* $(BUILD)/demo/
 	cd $(BUILD)/demo && ../tesseramill catchment.in && ../tesseramill-report catchment.in
+
+# Imports the GIS layers of examples/gis into build/gis-demo, runs the mesher
+# there and exports the grid as model.gpkg (needs GDAL: libgdal-dev).
+gis-demo:
+	cmake -S . -B $(BUILD)
+	cmake --build $(BUILD) -j 2 --target tesseramill tesseramill-gis
+	rm -rf $(BUILD)/gis-demo
+	$(BUILD)/tesseramill-gis import $(BUILD)/gis-demo --boundary examples/gis/catchment.geojson \
+	  --lines examples/gis/rivers.geojson --points examples/gis/wells.geojson \
+	  --zones examples/gis/zones.geojson --max-spacing 400
+	cd $(BUILD)/gis-demo && ../tesseramill model.in && ../tesseramill-gis export model.in
 
 # Builds everything and runs every test.
 test: build

@@ -1,0 +1,130 @@
+// What the import writes from tidy and untidy layers: exact files, repairs
+// and parts left out with their screen lines, and thinning that keeps the
+// cells of a densely digitised outline as those of the plain one.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <fstream>
+#include <sstream>
+
+#include "gis/layer_fixtures.h"
+#include "support/scratch.h"
+
+namespace tesseramill_test {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kUtm33 = 32633;
+
+TEST(ImportModel, ASquareWithAWellGivesExactlyTheseFiles) {
+  ScratchDir dir;
+  write_layer(dir.path() / "square.gpkg", "GPKG", "square", kUtm33,
+              {{"POLYGON ((500000 5100000, 502000 5100000, 502000 5102000, 500000 5102000, 500000 5100000))", 200.0}});
+  write_layer(dir.path() / "wells.gpkg", "GPKG", "wells", kUtm33, {{"POINT (501000.5 5101000.25)", std::nullopt}});
+  const fs::path model = dir.path() / "out";
+  const GisRun run = run_gis({"import", model.string(), "--boundary", (dir.path() / "square.gpkg").string(), "--points",
+                              (dir.path() / "wells.gpkg").string(), "--point-spacing", "10", "--max-spacing", "250",
+                              "--name", "sq", "--nlay", "3", "--max-lloyd", "20", "--keep-vertices", "--clean", "0"});
+  ASSERT_EQ(run.status, 0) << run.screen;
+  EXPECT_EQ(read_file(model / "sq.in"),
+            "# Model written by tesseramill-gis import.\n\n"
+            "START CONTROL\n  MAX_CENTROID_SEPARATION = 250\n  POLY_GROWTH_RATE = 1.2\n  OUT_FILE_BASE = sq\n"
+            "  MAX_CELLS = 4000\n  MAX_LLOYD = 20\nEND CONTROL\n\n"
+            "START OUTER_BOUNDARY\n  BLN_FILE = sq_boundary.bln\nEND OUTER_BOUNDARY\n\n"
+            "START INNER_POINTS\n  BLN_FILE = sq_points.bln\nEND INNER_POINTS\n\n"
+            "START MF6\n  MF6_BASENAME = sq\n  NLAY = 3\n  XORIGIN = 500000\n  YORIGIN = 5100000\nEND MF6\n");
+  EXPECT_EQ(read_file(model / "sq_boundary.bln"),
+            "5\n500000 5100000 200\n502000 5100000 200\n502000 5102000 200\n500000 5102000 200\n500000 5100000 200\n");
+  EXPECT_EQ(read_file(model / "sq_points.bln"), "1\n501000.5 5101000.25 10\n");
+  EXPECT_NE(read_file(model / "sq.prj").find("AUTHORITY[\"EPSG\",\"32633\"]]\n"), std::string::npos);
+  const std::string summary =
+      "\n - boundary: 1 ring, 4 vertices read, 4 kept\n - points: 1 point\n"
+      " - coordinate system: WGS 84 / UTM zone 33N (EPSG:32633)\n"
+      " - spacing from 10.0 to 250.0, MAX_CELLS 4000, origin 500000,5100000\n";
+  EXPECT_NE(run.screen.find(summary), std::string::npos) << run.screen;
+}
+
+TEST(ImportModel, ASelfIntersectingZoneIsRepairedByMakeValidIntoTwoZones) {
+  ScratchDir dir;
+  write_layer(dir.path() / "catchment.gpkg", "GPKG", "catchment", kUtm33,
+              {{"POLYGON ((500000 5100000, 510000 5100000, 510000 5110000, 500000 5110000, 500000 5100000))", 400.0}});
+  write_layer(dir.path() / "zones.gpkg", "GPKG", "zones", kUtm33,
+              {{"POLYGON ((501000 5101000, 503000 5103000, 503000 5101000, 501000 5103000, 501000 5101000))", 200.0}});
+  const fs::path model = dir.path() / "model";
+  const GisRun run = run_gis({"import", model.string(), "--boundary", (dir.path() / "catchment.gpkg").string(),
+                              "--zones", (dir.path() / "zones.gpkg").string(), "--max-spacing", "500", "--make-valid"});
+  ASSERT_EQ(run.status, 0) << run.screen;
+  EXPECT_NE(run.screen.find(" - Feature 1 of layer zones repaired (Self-intersection at or near point 502000 "
+                            "5102000): 2 polygons now.\n"),
+            std::string::npos)
+      << run.screen;
+  EXPECT_NE(run.screen.find(" - zones: 2 zones, "), std::string::npos);
+  EXPECT_TRUE(fs::exists(model / "model_zone2.bln"));
+  const RunResult mesher = run_executable(model, TESSERAMILL_BINARY, {"model.in"});
+  EXPECT_NE(mesher.screen.find(" - file model.oc written ok."), std::string::npos) << mesher.screen;
+}
+
+TEST(ImportModel, ADissolvedOutlineLosesItsZeroAreaAndSliverHolesWithALineEach) {
+  ScratchDir dir;
+  write_layer(dir.path() / "tracts.gpkg", "GPKG", "tracts", kUtm33,
+              {{"POLYGON ((500000 5100000, 506000 5100000, 506000 5106000, 500000 5106000, 500000 5100000), "
+                "(501000 5101000, 501100 5101000, 501050 5101000, 501000 5101000), "
+                "(502000 5102000, 502200 5102000, 502200 5102000.5, 502000 5102000), "
+                "(503000 5103000, 504000 5103000, 504000 5104000, 503000 5104000, 503000 5103000))",
+                150.0}});
+  const fs::path model = dir.path() / "model";
+  const GisRun run = run_gis({"import", model.string(), "--boundary", (dir.path() / "tracts.gpkg").string(),
+                              "--max-spacing", "400"});
+  ASSERT_EQ(run.status, 0) << run.screen;
+  EXPECT_NE(run.screen.find(" - inner ring 1 of feature 1 of layer tracts left out: its area of 0.0 is far smaller "
+                            "than a cell there.\n"),
+            std::string::npos)
+      << run.screen;
+  EXPECT_NE(run.screen.find(" - inner ring 1 of feature 1 of layer tracts left out: its area of 50.0 is far "
+                            "smaller than a cell of spacing 150.0 there.\n"),
+            std::string::npos)
+      << run.screen;
+  EXPECT_NE(run.screen.find(" - holes: 1 hole, "), std::string::npos) << run.screen;
+  EXPECT_TRUE(fs::exists(model / "model_hole1.bln"));
+  EXPECT_FALSE(fs::exists(model / "model_hole2.bln"));
+}
+
+// A boundary digitised a metre apart meshes into about the cells of the
+// same outline given by its corners.
+TEST(ImportModel, ADenselyDigitisedBoundaryGivesAboutTheCellsOfThePlainOne) {
+  ScratchDir dir;
+  std::ostringstream dense;
+  dense.precision(17);
+  dense << "POLYGON ((";
+  const double side = 4000.0;
+  const double x0 = 500000.0;
+  const double y0 = 5100000.0;
+  for (int edge = 0; edge < 4; ++edge) {
+    for (int k = 0; k < 4000; ++k) {
+      const double t = k;
+      const double x = edge == 0 ? x0 + t : edge == 1 ? x0 + side : edge == 2 ? x0 + side - t : x0;
+      const double y = edge == 0 ? y0 : edge == 1 ? y0 + t : edge == 2 ? y0 + side : y0 + side - t;
+      dense << x << " " << y << ", ";
+    }
+  }
+  dense << x0 << " " << y0 << "))";
+  write_layer(dir.path() / "plain.gpkg", "GPKG", "plain", kUtm33, {{"POLYGON ((" + square(x0, y0, side) + "))", 100.0}});
+  write_layer(dir.path() / "dense.gpkg", "GPKG", "dense", kUtm33, {{dense.str(), 100.0}});
+  int cells[2] = {0, 0};
+  const char* names[2] = {"plain", "dense"};
+  for (int k = 0; k < 2; ++k) {
+    const fs::path model = dir.path() / names[k];
+    const GisRun run = run_gis({"import", model.string(), "--boundary",
+                                (dir.path() / (std::string(names[k]) + ".gpkg")).string(), "--max-spacing", "300"});
+    ASSERT_EQ(run.status, 0) << run.screen;
+    const RunResult mesher = run_executable(model, TESSERAMILL_BINARY, {"model.in"});
+    ASSERT_NE(mesher.screen.find(" - file model.oc written ok."), std::string::npos) << mesher.screen;
+    cells[k] = ncpl_of(read_file(model / "model.disv"));
+  }
+  EXPECT_GT(cells[0], 500);
+  EXPECT_LT(std::fabs(cells[1] - cells[0]), 0.05 * cells[0]) << cells[0] << " plain, " << cells[1] << " dense";
+}
+
+}  // namespace
+}  // namespace tesseramill_test
