@@ -2,7 +2,7 @@
 BUILD := build
 FUZZ_SECONDS ?= 60
 
-.PHONY: build demo gis-demo test bench sanitize fuzz mf6-check clean
+.PHONY: build demo gis-demo test bench bench-gis sanitize fuzz mf6-check clean
 
 build:
 	cmake -S . -B $(BUILD)
@@ -42,6 +42,14 @@ bench:
 	cmake -S . -B $(BUILD)
 	cmake --build $(BUILD) -j 2 --target tesseramill-bench
 	$(BUILD)/tesseramill-bench $(BENCH_ARGS)
+
+# Times tesseramill-gis: the import of GeoJSON layers of 100,000 vertices,
+# and the export of the family's model of about a million cells (the mesher
+# makes it first, with one Lloyd pass: about a minute).  Needs GDAL.
+bench-gis:
+	cmake -S . -B $(BUILD)
+	cmake --build $(BUILD) -j 2 --target tesseramill-gis-bench
+	$(BUILD)/tesseramill-gis-bench $(BENCH_GIS_ARGS)
 
 # Runs the real MODFLOW 6 on what the project writes: both examples, the
 # benchmark family at about 1e3, 1e4 and 1e5 cells, a family model of about

@@ -36,6 +36,7 @@
 #include <string>
 #include <vector>
 
+#include "child_process.h"
 #include "model_family.h"
 #include "run/program.h"
 #include "triangulation/dtris2.h"
@@ -90,36 +91,15 @@ int run_one(bool reference) {
   return 0;
 }
 
-// Runs `argv` in `folder` as a child process; gives its stdout, wall time and
+// Runs `args` in `folder` as a child process; gives its stdout, wall time and
 // peak memory.
 Timing spawn(const std::vector<std::string>& args, const fs::path& folder, std::string& out) {
-  int pipe_ends[2];
-  if (::pipe(pipe_ends) != 0) std::exit(1);
-  const auto start = std::chrono::steady_clock::now();
-  const pid_t child = ::fork();
-  if (child == 0) {
-    ::dup2(pipe_ends[1], 1);
-    ::close(pipe_ends[0]);
-    if (::chdir(folder.c_str()) != 0) ::_exit(127);
-    std::vector<char*> argv;
-    std::vector<std::string> words = args;
-    for (std::string& w : words) argv.push_back(w.data());
-    argv.push_back(nullptr);
-    ::execv(argv[0], argv.data());
-    ::_exit(127);
-  }
-  ::close(pipe_ends[1]);
-  char buffer[4096];
-  ssize_t n;
-  while ((n = ::read(pipe_ends[0], buffer, sizeof buffer)) > 0) out.append(buffer, static_cast<std::size_t>(n));
-  ::close(pipe_ends[0]);
-  int status = 0;
-  struct rusage usage {};
-  ::wait4(child, &status, 0, &usage);
+  const tesseramill_bench::ChildRun run = tesseramill_bench::run_child(args, folder);
+  out += run.out;
   Timing timing;
-  timing.wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  timing.peak_kib = usage.ru_maxrss;
-  timing.ok = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+  timing.wall = run.wall;
+  timing.peak_kib = run.peak_kib;
+  timing.ok = run.ok;
   return timing;
 }
 

@@ -129,6 +129,7 @@ void import_model(RunState& state, const std::vector<std::string>& args, std::os
 
   clean_model(state, model, o, screen);
   thin_model(model, o, screen);
+  check_gaps(state, model);
   const SetCounts kept = count_sets(model);
 
   double xorigin = 0.0;

@@ -127,7 +127,7 @@ void export_grid(RunState& state, const std::vector<std::string>& args, std::ost
   screen << "\n - reading file " << grid_name << "...\n";
   DisvGrid disv;
   read_disv_grid(state, grid_name, command, disv);
-  screen << " - file " << grid_name << " read ok.\n";
+  screen << " - file " << grid_name << " read ok.\n" << std::flush;
   const std::string table = trimmed(c.out_file_base) + "_boundary_cells.dat";
   const std::vector<std::int32_t> rings = boundary_cell_rings(state, table, disv.ncpl, command);
 
@@ -168,7 +168,7 @@ void export_grid(RunState& state, const std::vector<std::string>& args, std::ost
   fs::remove(out_name, error);
   Dataset d(driver->Create(out_name.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
   if (!d) fail(state, "Cannot make file " + out_name + ": " + CPLGetLastErrorMsg());
-  screen << "\n - writing file " << out_name << "...\n";
+  screen << "\n - writing file " << out_name << "...\n" << std::flush;
 
   // Cells, run anticlockwise as simple features' outer rings are; the grid
   // file holds them clockwise.
@@ -191,7 +191,7 @@ void export_grid(RunState& state, const std::vector<std::string>& args, std::ost
       add_feature(state, *cells, f);
     }
   });
-  screen << " - layer cells: " << format_integer(disv.ncpl) << " cells\n";
+  screen << " - layer cells: " << format_integer(disv.ncpl) << " cells\n" << std::flush;
 
   OGRLayer* reaches = new_layer(state, *d, "reaches", srs, wkbLineString,
                                 {{"line", OFTInteger}, {"bln_file", OFTString}, {"cell", OFTInteger},
@@ -219,7 +219,7 @@ void export_grid(RunState& state, const std::vector<std::string>& args, std::ost
       }
     }
   });
-  screen << " - layer reaches: " << format_integer(reach_count) << " reaches\n";
+  screen << " - layer reaches: " << format_integer(reach_count) << " reaches\n" << std::flush;
 
   OGRLayer* wells = new_layer(state, *d, "wells", srs, wkbPoint,
                               {{"point", OFTInteger}, {"bln_file", OFTString}, {"cell", OFTInteger}});
@@ -245,7 +245,7 @@ void export_grid(RunState& state, const std::vector<std::string>& args, std::ost
       }
     }
   });
-  screen << " - layer wells: " << format_integer(well_count) << " wells\n";
+  screen << " - layer wells: " << format_integer(well_count) << " wells\n" << std::flush;
 
   OGRLayer* zones = new_layer(state, *d, "zones", srs, wkbPolygon,
                               {{"polygon", OFTInteger}, {"bln_file", OFTString}, {"cell", OFTInteger}, {"share", OFTReal}});
@@ -273,7 +273,7 @@ void export_grid(RunState& state, const std::vector<std::string>& args, std::ost
       }
     }
   });
-  screen << " - layer zones: " << format_integer(zone_count) << " cells of zones\n";
+  screen << " - layer zones: " << format_integer(zone_count) << " cells of zones\n" << std::flush;
 
   OGRLayer* domain = new_layer(state, *d, "domain", srs, wkbPolygon, {});
   in_transaction(state, *d, "domain", [&] {

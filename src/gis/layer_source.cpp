@@ -77,6 +77,15 @@ std::string utm_hint(OGRLayer& layer) {
   return "EPSG:" + int_to_text((lat >= 0.0 ? 32600 : 32700) + zone);
 }
 
+// A GeoPackage marks a layer without a system with one of its two
+// undefined systems (srs_id 0, "Undefined geographic SRS", or -1,
+// "Undefined Cartesian SRS"), which GDAL hands on as systems of those names.
+bool has_system(const OGRSpatialReference* crs) {
+  if (crs == nullptr) return false;
+  const char* name = crs->GetName();
+  return name == nullptr || std::string(name).rfind("Undefined ", 0) != 0;
+}
+
 std::optional<double> spacing_of(RunState& state, OGRFeature& feature, int field, const std::string& field_name,
                                  const std::string& layer) {
   if (field < 0 || !feature.IsFieldSetAndNotNull(field)) return std::nullopt;
@@ -130,7 +139,7 @@ SourceLayer read_source_layer(RunState& state, const std::string& source, const 
 
   // The layer's coordinate system, or the one --assume gives layers without.
   OGRSpatialReference own;
-  if (layer->GetSpatialRef() != nullptr) {
+  if (has_system(layer->GetSpatialRef())) {
     own = *layer->GetSpatialRef();
     own.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
   } else if (!options.assume_crs.empty()) {

@@ -29,4 +29,10 @@ InsideFlags inside_flags(const ImportModel& model);
 // marks must still lie inside the boundary.
 std::vector<Breach> model_breaches(const ImportModel& model, const InsideFlags* kept);
 
+// The gaps the mesher needs: rings (boundary and holes) at least half the
+// smaller of their spacings apart, and each well at least its spacing from
+// every ring.  Judged on the shaped model, whose rings have few vertices:
+// the distance of two outlines costs GEOS the product of their vertices.
+std::vector<Breach> gap_breaches(const ImportModel& model);
+
 }  // namespace tesseramill

@@ -116,7 +116,8 @@ void thin_model(ImportModel& model, const ImportOptions& o, std::ostream& screen
       pieces[k]->xy = is_ring_piece(model, k) ? thin_ring(originals[k], tolerance[k])
                                               : thin_line(originals[k], tolerance[k]);
     }
-    const std::vector<Breach> breaches = model_breaches(model, &inside);
+    std::vector<Breach> breaches = model_breaches(model, &inside);
+    for (Breach& b : gap_breaches(model)) breaches.push_back(std::move(b));
     // Every piece of a breach keeps all its vertices after the last round,
     // so the round after it can break no relation the checks passed.
     if (breaches.empty() || round > kThinRounds) break;
@@ -131,6 +132,11 @@ void thin_model(ImportModel& model, const ImportOptions& o, std::ostream& screen
     screen << " - " << piece_name(*pieces[k]) << " thinned less, to keep it "
            << (is_ring_piece(model, k) ? "a simple ring apart from the others" : "inside the boundary") << ".\n";
   }
+}
+
+void check_gaps(RunState& state, const ImportModel& model) {
+  const std::vector<Breach> breaches = gap_breaches(model);
+  if (!breaches.empty()) fail(state, breaches.front().message);
 }
 
 }  // namespace tesseramill

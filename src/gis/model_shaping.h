@@ -14,6 +14,9 @@ void clean_model(RunState& state, ImportModel& model, const ImportOptions& optio
 
 void thin_model(ImportModel& model, const ImportOptions& options, std::ostream& screen);
 
+// Refuses a shaped model whose rings or wells stand too close for the mesher.
+void check_gaps(RunState& state, const ImportModel& model);
+
 // The pieces thinning and cleaning may change, in the numbering of Breach.
 std::vector<ModelPiece*> shaped_pieces(ImportModel& model);
 

@@ -20,13 +20,21 @@ OGRGeometryUniquePtr buffered(const OGRGeometry& g, double distance) {
   return OGRGeometryUniquePtr(g.Buffer(distance, kQuarterSegments));
 }
 
+// Before the buffers the ring is simplified, keeping it valid, within a
+// tenth of the radius: the buffers of a ring digitised metres apart with
+// metre-sized wiggles cost GEOS time that grows far faster than the
+// vertices (20 s for 60,000), while a deviation of a tenth of the radius is
+// below what the closing and opening change anyway.
+constexpr double kPresimplify = 0.1;
+
 }  // namespace
 
 CleanedRing clean_ring(const std::vector<double>& ring, double radius) {
   CleanedRing out;
   const OGRPolygon original = ring_polygon(ring);
   CPLPushErrorHandler(CPLQuietErrorHandler);
-  OGRGeometryUniquePtr grown = buffered(original, radius);
+  OGRGeometryUniquePtr simplified(original.SimplifyPreserveTopology(kPresimplify * radius));
+  OGRGeometryUniquePtr grown = buffered(simplified ? *simplified : static_cast<const OGRGeometry&>(original), radius);
   OGRGeometryUniquePtr closed = grown ? buffered(*grown, -radius) : nullptr;
   OGRGeometryUniquePtr shrunk = closed ? buffered(*closed, -radius) : nullptr;
   OGRGeometryUniquePtr opened = shrunk ? buffered(*shrunk, radius) : nullptr;

@@ -80,6 +80,13 @@ std::vector<FailureCase> failure_cases() {
        },
        "Layer nocrs of {dir}/nocrs.shp has no coordinate system. Give it one in a GIS, or name the system its "
        "coordinates are in with --assume EPSG:n."},
+      {"GeoPackageLayerWithoutSystem",
+       [](const fs::path& dir) {
+         write_layer(dir / "wells.gpkg", "GPKG", "wells", 0, {{"POINT (505000 5105000)", 20.0}});
+         return boundary_and(dir, {"--points", (dir / "wells.gpkg").string()});
+       },
+       "Layer wells of {dir}/wells.gpkg has no coordinate system. Give it one in a GIS, or name the system its "
+       "coordinates are in with --assume EPSG:n."},
       {"SelfIntersectingZone",
        [](const fs::path& dir) {
          write_layer(dir / "zones.gpkg", "GPKG", "zones", kUtm33,
@@ -154,6 +161,23 @@ std::vector<FailureCase> failure_cases() {
        },
        "Wells feature 1 of layer wells and feature 2 of layer wells stand 30.0 apart, closer than the spacing of "
        "40.0 asked at one of them. Drop or merge one of them, or ask a smaller spacing."},
+      {"HoleTooCloseToTheBoundary",
+       [](const fs::path& dir) {
+         write_layer(dir / "lakes.gpkg", "GPKG", "lakes", kUtm33,
+                     {{"POLYGON ((502000 5105000, 508000 5105000, 508000 5109995, 502000 5109995, 502000 5105000))",
+                       50.0}});
+         return boundary_and(dir, {"--holes", (dir / "lakes.gpkg").string()});
+       },
+       "Hole feature 1 of layer lakes comes within 5.0 of the boundary (feature 1 of layer catchment), less than "
+       "half the smaller of their spacings (25.0): the mesher cannot place cells in so narrow a gap. Move them "
+       "apart, or merge them."},
+      {"WellTooCloseToTheBoundary",
+       [](const fs::path& dir) {
+         write_layer(dir / "wells.gpkg", "GPKG", "wells", kUtm33, {{"POINT (505000 5100015)", 20.0}});
+         return boundary_and(dir, {"--points", (dir / "wells.gpkg").string()});
+       },
+       "Well feature 1 of layer wells stands 15.0 from the boundary (feature 1 of layer catchment), closer than its "
+       "spacing of 20.0: the mesher cannot place the cells round it. Move it, or ask a smaller spacing there."},
       {"EmptyLayer",
        [](const fs::path& dir) {
          write_layer(dir / "wells.gpkg", "GPKG", "wells", kUtm33, {{"POINT (505000 5105000)", 20.0}});

@@ -159,6 +159,13 @@ TEST(ImportMeshExport, LayersBecomeAModelWhoseGridComesBackAsAGeoPackage) {
   OGRFeatureUniquePtr verdict(check->GetNextFeature());
   EXPECT_STREQ(verdict->GetFieldAsString(0), "ok");
   gpkg.d->ReleaseResultSet(check);
+#ifdef TESSERAMILL_VALIDATE_GPKG
+  // GDAL's validation of the GeoPackage's tables, as a separate program.
+  const RunResult validation =
+      run_executable(model, TESSERAMILL_SYSTEM_PYTHON, {TESSERAMILL_VALIDATE_GPKG, "model.gpkg"});
+  EXPECT_EQ(validation.status, 0) << validation.screen;
+  EXPECT_EQ(validation.screen, "");
+#endif
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "gis/layer_fixtures.h"
+#include "model_family.h"
 #include "support/scratch.h"
 
 namespace tesseramill_test {
@@ -124,6 +125,82 @@ TEST(ImportModel, ADenselyDigitisedBoundaryGivesAboutTheCellsOfThePlainOne) {
   }
   EXPECT_GT(cells[0], 500);
   EXPECT_LT(std::fabs(cells[1] - cells[0]), 0.05 * cells[0]) << cells[0] << " plain, " << cells[1] << " dense";
+}
+
+// A lake close under a gently curved side: thinning at the default
+// tolerance (40 m) would straighten the side's 30 m bow through the lake,
+// so the side is thinned less, and the lake stays inside and apart.
+TEST(ImportModel, ThinningThatWouldCutAHoleIsLessened) {
+  ScratchDir dir;
+  std::ostringstream boundary;
+  boundary.precision(17);
+  boundary << "POLYGON ((0 0, 10000 0, ";
+  for (int k = 0; k <= 100; ++k) {
+    const double x = 10000.0 - 100.0 * k;
+    boundary << x << " " << 10000.0 + 30.0 * std::sin(M_PI * x / 10000.0) << ", ";
+  }
+  boundary << "0 0))";
+  write_layer(dir.path() / "catchment.gpkg", "GPKG", "catchment", kUtm33, {{boundary.str(), 400.0}});
+  // The lake's top runs 25 m under the side, from x 2000 to 8000.
+  std::ostringstream lake;
+  lake.precision(17);
+  lake << "POLYGON ((2000 9900, 8000 9900, ";
+  for (int k = 0; k <= 60; ++k) {
+    const double x = 8000.0 - 100.0 * k;
+    lake << x << " " << 10000.0 + 30.0 * std::sin(M_PI * x / 10000.0) - 25.0 << ", ";
+  }
+  lake << "2000 9900))";
+  write_layer(dir.path() / "lakes.gpkg", "GPKG", "lakes", kUtm33, {{lake.str(), 20.0}});
+  const fs::path model = dir.path() / "model";
+  const GisRun run = run_gis({"import", model.string(), "--boundary", (dir.path() / "catchment.gpkg").string(),
+                              "--holes", (dir.path() / "lakes.gpkg").string(), "--max-spacing", "500", "--clean", "0"});
+  ASSERT_EQ(run.status, 0) << run.screen;
+  EXPECT_NE(run.screen.find(" - feature 1 of layer catchment thinned less, to keep it a simple ring apart from the "
+                            "others.\n"),
+            std::string::npos)
+      << run.screen;
+  const RunResult mesher = run_executable(model, TESSERAMILL_BINARY, {"model.in"});
+  EXPECT_NE(mesher.screen.find(" - file model.oc written ok."), std::string::npos) << screen_tail(mesher.screen, 400);
+}
+
+// An outline digitised about 100 m apart with spikes and notches far
+// narrower than the 500 m asked along it: cleaned and thinned, it meshes to
+// the end.  (Kept whole, such outlines stop the mesher.)
+TEST(ImportModel, ARoughOutlineWithNarrowSpikesMeshesToTheEnd) {
+  for (std::uint64_t seed : {1u, 2u}) {
+    ScratchDir dir;
+    tesseramill_bench::Random random(seed);
+    std::ostringstream wkt;
+    wkt.precision(17);
+    wkt << "POLYGON ((";
+    const int n = 3480;
+    const double radius = 60000.0;
+    double first_x = 0.0;
+    double first_y = 0.0;
+    for (int k = 0; k < n; ++k) {
+      const double t = 2.0 * M_PI * k / n;
+      double r = radius * (1.0 + 0.15 * std::sin(5.0 * t) + 0.05 * std::sin(17.0 * t)) + random.uniform(-150.0, 150.0);
+      const double pick = random.uniform(0.0, 1.0);
+      if (pick < 0.02) r += random.uniform(500.0, 3000.0);        // spikes a vertex wide
+      if (pick > 0.99) r -= random.uniform(500.0, 2000.0);        // notches a vertex wide
+      const double x = 500000.0 + r * std::cos(t);
+      const double y = 5500000.0 + r * std::sin(t);
+      if (k == 0) {
+        first_x = x;
+        first_y = y;
+      }
+      wkt << x << " " << y << ", ";
+    }
+    wkt << first_x << " " << first_y << "))";
+    write_layer(dir.path() / "rough.gpkg", "GPKG", "rough", kUtm33, {{wkt.str(), 500.0}});
+    const fs::path model = dir.path() / "model";
+    const GisRun run = run_gis({"import", model.string(), "--boundary", (dir.path() / "rough.gpkg").string(),
+                                "--max-spacing", "2000"});
+    ASSERT_EQ(run.status, 0) << run.screen;
+    EXPECT_NE(run.screen.find(" - boundary: 1 ring, 3480 vertices read, "), std::string::npos) << run.screen;
+    const RunResult mesher = run_executable(model, TESSERAMILL_BINARY, {"model.in"});
+    EXPECT_NE(mesher.screen.find(" - file model.oc written ok."), std::string::npos) << screen_tail(mesher.screen, 400);
+  }
 }
 
 }  // namespace
