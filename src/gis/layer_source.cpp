@@ -136,6 +136,10 @@ SourceLayer read_source_layer(RunState& state, const std::string& source, const 
   }
   SourceLayer out;
   out.name = layer->GetName();
+  if (layer->GetLayerDefn()->GetGeomFieldCount() == 0) {
+    fail(state, "Layer " + out.name + " of " + path +
+                    " has no geometry. A table of points needs columns named x and y (or easting and northing).");
+  }
 
   // The layer's coordinate system, or the one --assume gives layers without.
   OGRSpatialReference own;

@@ -2,6 +2,7 @@
 // nothing written.
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <functional>
 
 #include "gis/layer_fixtures.h"
@@ -178,6 +179,13 @@ std::vector<FailureCase> failure_cases() {
        },
        "Well feature 1 of layer wells stands 15.0 from the boundary (feature 1 of layer catchment), closer than its "
        "spacing of 20.0: the mesher cannot place the cells round it. Move it, or ask a smaller spacing there."},
+      {"TableWithoutPointColumns",
+       [](const fs::path& dir) {
+         std::ofstream(dir / "wells.csv") << "name,east_m,north_m,spacing\nW1,505000,5105000,20\n";
+         return boundary_and(dir, {"--points", (dir / "wells.csv").string(), "--assume", "EPSG:32633"});
+       },
+       "Layer wells of {dir}/wells.csv has no geometry. A table of points needs columns named x and y (or easting "
+       "and northing)."},
       {"EmptyLayer",
        [](const fs::path& dir) {
          write_layer(dir / "wells.gpkg", "GPKG", "wells", kUtm33, {{"POINT (505000 5105000)", 20.0}});
