@@ -46,6 +46,24 @@ TEST(ImportModel, ASquareWithAWellGivesExactlyTheseFiles) {
   EXPECT_NE(run.screen.find(summary), std::string::npos) << run.screen;
 }
 
+TEST(ImportModel, ZAndMValuesAreDroppedAndAnOpenLineStaysOpen) {
+  ScratchDir dir;
+  write_layer(dir.path() / "square.gpkg", "GPKG", "square", kUtm33,
+              {{"POLYGON Z ((500000 5100000 12.5, 502000 5100000 13, 502000 5102000 14, 500000 5102000 15, "
+                "500000 5100000 12.5))",
+                200.0}});
+  write_layer(dir.path() / "drains.gpkg", "GPKG", "drains", kUtm33,
+              {{"LINESTRING ZM (500500 5100500 1 7, 501500 5100500 2 8, 501500 5101500 3 9)", 100.0}});
+  const fs::path model = dir.path() / "out";
+  const GisRun run = run_gis({"import", model.string(), "--boundary", (dir.path() / "square.gpkg").string(), "--lines",
+                              (dir.path() / "drains.gpkg").string(), "--max-spacing", "250", "--keep-vertices",
+                              "--clean", "0"});
+  ASSERT_EQ(run.status, 0) << run.screen;
+  EXPECT_EQ(read_file(model / "model_boundary.bln"),
+            "5\n500000 5100000 200\n502000 5100000 200\n502000 5102000 200\n500000 5102000 200\n500000 5100000 200\n");
+  EXPECT_EQ(read_file(model / "model_lines.bln"), "3\n500500 5100500 100\n501500 5100500 100\n501500 5101500 100\n");
+}
+
 TEST(ImportModel, ASelfIntersectingZoneIsRepairedByMakeValidIntoTwoZones) {
   ScratchDir dir;
   write_layer(dir.path() / "catchment.gpkg", "GPKG", "catchment", kUtm33,
