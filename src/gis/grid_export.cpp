@@ -180,7 +180,7 @@ void export_grid(RunState& state, const std::vector<std::string>& args, std::ost
       const std::vector<double> xy = cell_xy(disv, k);
       const double area2 = doubled_area(xy.data(), static_cast<std::int32_t>(xy.size() / 2));
       OGRPolygon polygon;
-      polygon.addRing(new OGRLinearRing(world_ring(xy, world, area2 < 0.0)));
+      polygon.addRingDirectly(new OGRLinearRing(world_ring(xy, world, area2 < 0.0)));
       f.SetFID(OGRNullFID);
       f.SetField("cell", static_cast<int>(k + 1));
       f.SetField("area", 0.5 * std::fabs(area2));
@@ -261,7 +261,7 @@ void export_grid(RunState& state, const std::vector<std::string>& args, std::ost
         const std::vector<double> corners = cell_xy(disv, static_cast<std::size_t>(z.cell));
         const double area2 = doubled_area(corners.data(), static_cast<std::int32_t>(corners.size() / 2));
         OGRPolygon cell_polygon;
-        cell_polygon.addRing(new OGRLinearRing(world_ring(corners, world, area2 < 0.0)));
+        cell_polygon.addRingDirectly(new OGRLinearRing(world_ring(corners, world, area2 < 0.0)));
         f.SetFID(OGRNullFID);
         f.SetField("polygon", static_cast<int>(p + 1));
         f.SetField("bln_file", trimmed(c.inner_polygon_files[p]).c_str());
@@ -287,8 +287,8 @@ void export_grid(RunState& state, const std::vector<std::string>& args, std::ost
       // The outer ring anticlockwise, holes clockwise.
       return world_ring(xy, offset, outer ? area2 < 0.0 : area2 > 0.0);
     };
-    polygon.addRing(new OGRLinearRing(ring_of(state.outer_boundary, true)));
-    for (const BoundaryRing& hole : state.inner_boundaries) polygon.addRing(new OGRLinearRing(ring_of(hole, false)));
+    polygon.addRingDirectly(new OGRLinearRing(ring_of(state.outer_boundary, true)));
+    for (const BoundaryRing& hole : state.inner_boundaries) polygon.addRingDirectly(new OGRLinearRing(ring_of(hole, false)));
     f.SetGeometry(&polygon);
     add_feature(state, *domain, f);
   });

@@ -58,13 +58,13 @@ OGRLinearRing linear_ring(const std::vector<double>& xy) {
 
 OGRPolygon ring_polygon(const std::vector<double>& xy) {
   OGRPolygon polygon;
-  polygon.addRing(new OGRLinearRing(linear_ring(xy)));
+  polygon.addRingDirectly(new OGRLinearRing(linear_ring(xy)));
   return polygon;
 }
 
 OGRPolygon domain_polygon(const ImportModel& model) {
   OGRPolygon polygon = ring_polygon(model.boundary.xy);
-  for (const ModelPiece& hole : model.holes) polygon.addRing(new OGRLinearRing(linear_ring(hole.xy)));
+  for (const ModelPiece& hole : model.holes) polygon.addRingDirectly(new OGRLinearRing(linear_ring(hole.xy)));
   return polygon;
 }
 
