@@ -5,7 +5,7 @@ FUZZ_SECONDS ?= 60
 VERSION := $(shell sed -n 's/.*version_text = "\(.*\)";.*/\1/p' src/run/startup.cpp)
 WINDOWS_PACKAGE := tesseramill-$(VERSION)-windows-x64
 
-.PHONY: build demo test bench maths-check sanitize fuzz mf6-check determinism windows windows-test windows-compare clean
+.PHONY: build demo gis-demo test bench bench-gis maths-check sanitize fuzz mf6-check determinism windows windows-test windows-compare clean
 
 build:
 	cmake -S . -B $(BUILD)
@@ -21,6 +21,17 @@ demo:
 	cp examples/catchment/* $(BUILD)/demo/
 	cd $(BUILD)/demo && ../tesseramill catchment.in && ../tesseramill-report catchment.in
 
+# Imports the GIS layers of examples/gis into build/gis-demo, runs the mesher
+# there and exports the grid as model.gpkg (needs GDAL: libgdal-dev).
+gis-demo:
+	cmake -S . -B $(BUILD)
+	cmake --build $(BUILD) -j 2 --target tesseramill tesseramill-gis
+	rm -rf $(BUILD)/gis-demo
+	$(BUILD)/tesseramill-gis import $(BUILD)/gis-demo --boundary examples/gis/catchment.geojson \
+	  --lines examples/gis/rivers.geojson --points examples/gis/wells.geojson \
+	  --zones examples/gis/zones.geojson --max-spacing 400
+	cd $(BUILD)/gis-demo && ../tesseramill model.in && ../tesseramill-gis export model.in
+
 # Builds everything and runs every test.
 test: build
 	cd $(BUILD) && ctest --output-on-failure -j 2
@@ -34,6 +45,14 @@ bench:
 	cmake -S . -B $(BUILD)
 	cmake --build $(BUILD) -j 2 --target tesseramill-bench
 	$(BUILD)/tesseramill-bench $(BENCH_ARGS)
+
+# Times tesseramill-gis: the import of GeoJSON layers of 100,000 vertices,
+# and the export of the family's model of about a million cells (the mesher
+# makes it first, with one Lloyd pass: about a minute).  Needs GDAL.
+bench-gis:
+	cmake -S . -B $(BUILD)
+	cmake --build $(BUILD) -j 2 --target tesseramill-gis-bench
+	$(BUILD)/tesseramill-gis-bench $(BENCH_GIS_ARGS)
 
 # Runs the real MODFLOW 6 on what the project writes: both examples, the
 # benchmark family at about 1e3, 1e4 and 1e5 cells, a family model of about

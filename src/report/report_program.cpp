@@ -8,6 +8,7 @@
 #include "report/cell_geometry.h"
 #include "report/disv_grid.h"
 #include "report/grid_fix.h"
+#include "report/grid_frame.h"
 #include "report/grid_picture.h"
 #include "report/grid_quality.h"
 #include "report/line_reaches.h"
@@ -46,37 +47,6 @@ void print_usage(std::ostream& screen) {
 enum class ReportMode { kReport, kFixGrid };
 
 constexpr std::string_view kFixGridOption = "--fix-grid";
-
-// Places read from the BLN files, as the grid file holds them: the vertices
-// of the grid are the world position less the origin, computed as
-// (internal - origin) + offset.  The origin is the control file's, which the
-// grid's vertices were computed with; the grid file's option line keeps only
-// nine of its digits.
-struct GridFrame {
-  double xorigin = 0.0;
-  double yorigin = 0.0;
-  double x_offset = 0.0;
-  double y_offset = 0.0;
-
-  double x(double internal) const { return (internal - xorigin) + x_offset; }
-  double y(double internal) const { return (internal - yorigin) + y_offset; }
-};
-
-std::vector<double> in_grid_frame(const GridFrame& frame, const std::vector<double>& xy, std::int32_t count) {
-  std::vector<double> out(2 * static_cast<std::size_t>(count));
-  for (std::size_t k = 0; k < out.size(); k += 2) {
-    out[k] = frame.x(xy[k]);
-    out[k + 1] = frame.y(xy[k + 1]);
-  }
-  return out;
-}
-
-// A ring held closed in memory, without its repeated last vertex.
-std::vector<double> without_closing_vertex(std::vector<double> ring) {
-  const std::size_t n = ring.size();
-  if (n >= 4 && ring[0] == ring[n - 2] && ring[1] == ring[n - 1]) ring.resize(n - 2);
-  return ring;
-}
 
 void write_text_file(RunState& state, const std::string& name, const std::string& text) {
   OutputFile out;
@@ -149,14 +119,7 @@ void make_report(RunState& state) {
   read_disv_grid(state, grid_name, std::string(kMesherCommand) + " " + state.control_file_name, disv);
   *state.screen << " - file " << grid_name << " read ok.\n";
 
-  // The origin as the mesher resolves it: both given, or both 0.0.
-  GridFrame frame;
-  if (real_is_set(c.xorigin)) {
-    frame.xorigin = c.xorigin;
-    frame.yorigin = c.yorigin;
-  }
-  frame.x_offset = state.x_offset;
-  frame.y_offset = state.y_offset;
+  const GridFrame frame = grid_frame(state);
 
   CellLocator locator;
   build_cell_locator(disv, locator);

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <sstream>
 
+#include "support/csv_rows.h"
 #include "support/disv_check.h"
 #include "support/planar_check.h"
 #include "support/scratch.h"
@@ -16,36 +17,6 @@ namespace tesseramill_test {
 namespace {
 
 namespace fs = std::filesystem;
-
-using Row = std::vector<std::string>;
-
-// The rows of a CSV text after its header; quoted fields lose their quotes.
-std::vector<Row> csv_rows(const std::string& text, const std::string& header) {
-  std::istringstream in(text);
-  std::string line;
-  std::getline(in, line);
-  EXPECT_EQ(line, header);
-  std::vector<Row> rows;
-  while (std::getline(in, line)) {
-    Row row(1);
-    bool quoted = false;
-    for (std::size_t k = 0; k < line.size(); ++k) {
-      const char c = line[k];
-      if (quoted && c == '"' && k + 1 < line.size() && line[k + 1] == '"') {
-        row.back() += '"';
-        ++k;
-      } else if (c == '"') {
-        quoted = !quoted;
-      } else if (c == ',' && !quoted) {
-        row.emplace_back();
-      } else {
-        row.back() += c;
-      }
-    }
-    rows.push_back(row);
-  }
-  return rows;
-}
 
 // A cell's corners as x,y pairs, from the test's own reading of the grid.
 std::vector<double> cell_corners(const DisvGrid& grid, int cell) {
