@@ -2,14 +2,17 @@
 # The same input gives the same bytes with every build of the programs.
 #
 # Builds tesseramill and tesseramill-report with GCC (the reference, x86-64),
-# with clang and libc++, and for Linux on 64-bit ARM (run under qemu-user);
+# with clang and libc++, for Linux on 64-bit ARM (run under qemu-user) and,
+# when make windows has built them, takes the Windows programs (run under
+# Wine);
 # runs the bundled examples and the benchmark family at about 1e3, 1e4 and
 # 1e5 cells (ARM: up to 1e4, since the emulator is slow) through the mesher
 # and then the report with each build, and compares every file they write
 # and their screens byte for byte with the reference build's.  The family's
 # input files are written once, by the reference build, so that every build
-# reads the same bytes.  Prints the first differing line of any difference
-# and exits with status 1 when there is one.
+# reads the same bytes.  Files must agree to the byte; screens too, but for
+# the CR LF with which Windows ends screen lines.  Prints the first differing
+# line of any difference and exits with status 1 when there is one.
 #
 #   tools/determinism.sh [SIZES]      SIZES: family sizes, default "1e3 1e4 1e5"
 set -euo pipefail
@@ -46,16 +49,30 @@ for size in $sizes; do
 done
 
 # Runs one build on one model in its own folder: the mesher, then the report.
-run_model() {  # build name, runner, folder of the programs, model
-  local name=$1 runner=$2 programs=$3 model=$4
+run_model() {  # build name, runner, folder of the programs, model, program suffix
+  local name=$1 runner=$2 programs=$3 model=$4 suffix=${5:-}
   local dir=$work/$name/$model
   mkdir -p "$dir"
   cp "$work/models/$model"/* "$dir/"
   local control
   control=$(cd "$dir" && ls *.in)
-  (cd "$dir" && $runner "$programs/tesseramill" "$control" > screen.txt 2>&1 &&
-    $runner "$programs/tesseramill-report" "$control" > report_screen.txt 2>&1)
+  (cd "$dir" && $runner "$programs/tesseramill$suffix" "$control" > screen.txt 2>&1 &&
+    $runner "$programs/tesseramill-report$suffix" "$control" > report_screen.txt 2>&1)
+  if [ -n "$suffix" ]; then
+    for screen in screen.txt report_screen.txt; do
+      tr -d '\r' < "$dir/$screen" > "$dir/$screen.lf" && mv "$dir/$screen.lf" "$dir/$screen"
+    done
+  fi
 }
+
+windows=""
+if [ -x build-windows/tesseramill.exe ] && [ -x build-windows/tesseramill-report.exe ] && command -v wine > /dev/null; then
+  windows=$root/build-windows
+  export WINEPREFIX=$root/build-windows/wine-prefix WINEDEBUG=-all
+  echo "and the Windows programs of build-windows/ under Wine"
+else
+  echo "no Windows programs in build-windows/ (make windows): the Windows build is left out"
+fi
 
 # The first line where two files differ, with both lines.
 first_difference() {
@@ -94,6 +111,10 @@ for model in "${models[@]}"; do
   run_model gcc "" "$root/build" "$model"
   run_model clang-libcxx "" "$root/build-clang-libcxx" "$model"
   compare clang-libcxx "$model"
+  if [ -n "$windows" ]; then
+    run_model windows wine "$windows" "$model" .exe
+    compare windows "$model"
+  fi
   case $model in
     family_*)
       size=${model#family_}
