@@ -90,9 +90,17 @@ bool write_whole_file(RunState& state, const std::string& name, const std::strin
 }  // namespace
 
 void set_numbers_apart(RunState& state, const std::string& name, const std::string& text, const DisvGrid& grid,
-                       std::string& out) {
+                       std::string& out, OutputFile* sink) {
   out.clear();
-  out.reserve(text.size() + text.size() / 8);
+  // Text handed to the sink in pieces of about this size.
+  constexpr std::size_t kPiece = 1 << 20;
+  if (sink == nullptr) out.reserve(text.size() + text.size() / 8);
+  auto pass_on = [&]() {
+    if (sink != nullptr && out.size() >= kPiece) {
+      put_text(*sink, out);
+      out.clear();
+    }
+  };
   std::vector<std::string_view> tokens;
   std::int32_t line_number = 0;
   std::size_t cells_done = 0;
@@ -112,6 +120,7 @@ void set_numbers_apart(RunState& state, const std::string& name, const std::stri
     const std::string_view line_end(text.data() + content_end, end + (has_newline ? 1 : 0) - content_end);
     start = end + (has_newline ? 1 : 0);
     count_line(line_number);
+    pass_on();
 
     if (!in_cells) {
       out.append(line);
@@ -159,6 +168,10 @@ void set_numbers_apart(RunState& state, const std::string& name, const std::stri
     out.append(line_end);
     cells_done += 1;
   }
+  if (sink != nullptr) {
+    put_text(*sink, out);
+    out.clear();
+  }
 }
 
 void fix_grid_file(RunState& state, const std::string& name, const std::string& command) {
@@ -176,30 +189,48 @@ void fix_grid_file(RunState& state, const std::string& name, const std::string& 
   bool read_ok = false;
   const std::string text = text_of_file(name, read_ok);
   if (!read_ok) fail(state, "Error reading file " + name + ".");
-  std::string fixed;
-  set_numbers_apart(state, name, text, grid, fixed);
 
-  // The copy of the original, and the fixed file, are each written in full
-  // under a name of their own and renamed into place only then: a rename
-  // within a folder replaces the file at once, so there is always a whole
-  // grid under `name`.
-  const std::string original = name + ".orig";
+  // The fixed file, the copy of the original, and then the fixed file again
+  // are each complete under a name of their own before they are renamed
+  // into place: a rename within a folder replaces the file at once, so there
+  // is always a whole grid under `name`.  The fixed text goes to the file
+  // as it is made, which keeps a second copy of the grid out of memory.
+  const std::string part = name + ".part";
   std::error_code error;
+  {
+    OutputFile out;
+    open_output(state, out, part);
+    std::string buffer;
+    try {
+      set_numbers_apart(state, name, text, grid, buffer, &out);
+    } catch (const RunFailure&) {
+      close_output(out);
+      std::filesystem::remove(part, error);
+      throw;
+    }
+    if (!close_output_checked(out)) fail_to_write(state, part, name);
+  }
+
+  const std::string original = name + ".orig";
   if (std::filesystem::exists(original, error)) {
     screen << " - file " << original << " kept as it was, from an earlier fix.\n";
   } else {
     // A second name for the file as it stands costs nothing where the file
     // system has hard links; elsewhere the copy is written out.
-    const std::string part = original + ".part";
-    std::filesystem::remove(part, error);
-    std::filesystem::create_hard_link(name, part, error);
-    if (error && !write_whole_file(state, part, text)) fail_to_write(state, part, name);
-    std::filesystem::rename(part, original, error);
-    if (error) fail(state, "Cannot write to file " + original + ".");
+    const std::string original_part = original + ".part";
+    std::filesystem::remove(original_part, error);
+    std::filesystem::create_hard_link(name, original_part, error);
+    if (error && !write_whole_file(state, original_part, text)) {
+      std::filesystem::remove(part, error);
+      fail_to_write(state, original_part, name);
+    }
+    std::filesystem::rename(original_part, original, error);
+    if (error) {
+      std::filesystem::remove(part, error);
+      fail(state, "Cannot write to file " + original + ".");
+    }
     screen << " - file " << original << " written ok: the grid as the mesher wrote it.\n";
   }
-  const std::string part = name + ".part";
-  if (!write_whole_file(state, part, fixed)) fail_to_write(state, part, name);
   std::filesystem::rename(part, name, error);
   if (error) {
     std::filesystem::remove(part, error);

@@ -11,6 +11,7 @@
 
 #include <string>
 
+#include "output/text_file.h"
 #include "report/disv_grid.h"
 #include "run/run_state.h"
 
@@ -22,8 +23,10 @@ namespace tesseramill {
 // are; the count follows in five columns and each vertex number in eight, up
 // to 1000 numbers to a line.  A cell that does not begin a line of its own
 // with its number, centre and count cannot be rewritten, and ends the run.
+// With a `sink`, the text goes to it in pieces as it is made and `out`
+// ends empty.
 void set_numbers_apart(RunState& state, const std::string& name, const std::string& text, const DisvGrid& grid,
-                       std::string& out);
+                       std::string& out, OutputFile* sink = nullptr);
 
 // The whole fix of the grid file `name`, which `command` writes: reads and
 // checks it as the report does; when its numbers already stand apart, says
