@@ -84,10 +84,14 @@ maths-check:
 	cmake --build $(BUILD) -j 2 --target tesseramill_maths_check
 	$(BUILD)/tests/tesseramill_maths_check
 
-# Every test again, built with clang under the address and undefined-behaviour
-# sanitizers; a report from any of them fails its test.
+# Every test again, built with clang and its standard library libc++ (so that
+# the whole suite runs once with a second compiler and library) under the
+# address and undefined-behaviour sanitizers; a report from any of them fails
+# its test.  GoogleTest is built from its sources for libc++, and the GIS
+# program, whose GDAL is built for libstdc++, is left out here.
 sanitize:
-	CC=clang CXX=clang++ cmake -S . -B build-san -DTESSERAMILL_SANITIZE=ON
+	CC=clang CXX=clang++ cmake -S . -B build-san -DTESSERAMILL_SANITIZE=ON -DTESSERAMILL_GOOGLETEST_FROM_SOURCE=ON \
+	  -DCMAKE_CXX_FLAGS=-stdlib=libc++ -DCMAKE_EXE_LINKER_FLAGS=-stdlib=libc++ -DCMAKE_DISABLE_FIND_PACKAGE_GDAL=ON
 	cmake --build build-san -j 2
 	cd build-san && ASAN_OPTIONS=allocator_may_return_null=1 ctest --output-on-failure -j 2
 
