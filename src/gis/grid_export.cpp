@@ -12,6 +12,7 @@
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
 
+#include "common/correctly_rounded.h"
 #include "gis/boundary_cell_rings.h"
 #include "output/number_format.h"
 #include "report/cell_geometry.h"
@@ -66,7 +67,7 @@ OGRLineString part_of_line(const std::vector<double>& xy, double start, double e
   };
   for (std::size_t k = 0; k + 3 < xy.size(); k += 2) {
     const double ax = xy[k], ay = xy[k + 1], bx = xy[k + 2], by = xy[k + 3];
-    const double length = std::hypot(bx - ax, by - ay);
+    const double length = cr_hypot(bx - ax, by - ay);
     const double next = travelled + length;
     if (next >= start && travelled <= end && length > 0.0) {
       const double t0 = std::max(0.0, (start - travelled) / length);

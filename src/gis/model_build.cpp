@@ -3,6 +3,7 @@
 #include <cmath>
 #include <ostream>
 
+#include "common/correctly_rounded.h"
 #include "gis/feature_parts.h"
 #include "output/number_format.h"
 #include "run/failure.h"
@@ -156,7 +157,7 @@ void check_model_limits(RunState& state, const ImportModel& model) {
     for (const ModelPiece& line : model.lines) {
       double length = 0.0;
       for (std::size_t k = 2; k + 1 < line.xy.size(); k += 2) {
-        length += std::hypot(line.xy[k] - line.xy[k - 2], line.xy[k + 1] - line.xy[k - 1]);
+        length += cr_hypot(line.xy[k] - line.xy[k - 2], line.xy[k + 1] - line.xy[k - 1]);
       }
       lengths.push_back(length);
     }

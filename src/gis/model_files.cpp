@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "common/correctly_rounded.h"
 #include "output/number_format.h"
 
 namespace tesseramill {
@@ -31,7 +32,7 @@ constexpr double kSlack = 1000.0;
 
 double outline_length(const std::vector<double>& xy) {
   double length = 0.0;
-  for (std::size_t k = 2; k + 1 < xy.size(); k += 2) length += std::hypot(xy[k] - xy[k - 2], xy[k + 1] - xy[k - 1]);
+  for (std::size_t k = 2; k + 1 < xy.size(); k += 2) length += cr_hypot(xy[k] - xy[k - 2], xy[k + 1] - xy[k - 1]);
   return length;
 }
 
@@ -82,7 +83,7 @@ std::int32_t estimated_max_cells(const ImportModel& model, const ImportOptions& 
   // and cells of spacing s g^k, so about 2 pi / (g - 1) cells, up to the
   // ring where the spacing reaches the largest: ln(S/s)/ln(g) rings.
   for (const ModelPiece& p : model.points) {
-    cells += 2.0 * 3.141592653589793 / (g - 1.0) * (std::log(s / p.spacing) / std::log(g) + 1.0);
+    cells += 2.0 * 3.141592653589793 / (g - 1.0) * (cr_log(s / p.spacing) / cr_log(g) + 1.0);
   }
   for (const ModelPiece& z : model.zones) {
     cells += 0.5 * std::fabs(doubled_ring_area(z.xy)) / (kCellAreaFactor * z.spacing * z.spacing);

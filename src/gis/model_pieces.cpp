@@ -5,6 +5,7 @@
 
 #include <cpl_error.h>
 
+#include "common/correctly_rounded.h"
 #include "output/number_format.h"
 
 namespace tesseramill {
@@ -24,14 +25,14 @@ std::vector<double> outline_vertices(const OGRSimpleCurve& curve, bool ring, dou
     const double x = curve.getX(k);
     const double y = curve.getY(k);
     const std::size_t m = xy.size();
-    if (m >= 2 && std::hypot(x - xy[m - 2], y - xy[m - 1]) < merge_distance) continue;
+    if (m >= 2 && cr_hypot(x - xy[m - 2], y - xy[m - 1]) < merge_distance) continue;
     xy.push_back(x);
     xy.push_back(y);
   }
   if (ring) {
     // The closing vertex, and any vertex before it that stands on the first,
     // go; the ring is then closed exactly on its first vertex.
-    while (xy.size() >= 4 && std::hypot(xy[xy.size() - 2] - xy[0], xy[xy.size() - 1] - xy[1]) < merge_distance) {
+    while (xy.size() >= 4 && cr_hypot(xy[xy.size() - 2] - xy[0], xy[xy.size() - 1] - xy[1]) < merge_distance) {
       xy.resize(xy.size() - 2);
     }
     xy.push_back(xy[0]);

@@ -7,6 +7,7 @@
 #include <cpl_error.h>
 #include <ogr_api.h>
 
+#include "common/correctly_rounded.h"
 #include "output/number_format.h"
 
 namespace tesseramill {
@@ -136,7 +137,7 @@ std::vector<Breach> model_breaches(const ImportModel& model, const InsideFlags* 
     const ModelPiece& a = model.points[order[i]];
     for (std::size_t j = i + 1; j < order.size() && model.points[order[j]].xy[0] - a.xy[0] < largest; ++j) {
       const ModelPiece& b = model.points[order[j]];
-      const double d = std::hypot(b.xy[0] - a.xy[0], b.xy[1] - a.xy[1]);
+      const double d = cr_hypot(b.xy[0] - a.xy[0], b.xy[1] - a.xy[1]);
       const double wanted = std::max(a.spacing, b.spacing);
       if (d < wanted) {
         const ModelPiece& first = order[i] < order[j] ? a : b;

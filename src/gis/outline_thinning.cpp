@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <utility>
 
+#include "common/correctly_rounded.h"
+
 namespace tesseramill {
 
 namespace {
@@ -18,7 +20,7 @@ double segment_distance(const double* a, const double* b, const double* p) {
     t = ((p[0] - a[0]) * dx + (p[1] - a[1]) * dy) / length2;
     t = t < 0.0 ? 0.0 : (t > 1.0 ? 1.0 : t);
   }
-  return std::hypot(p[0] - (a[0] + t * dx), p[1] - (a[1] + t * dy));
+  return cr_hypot(p[0] - (a[0] + t * dx), p[1] - (a[1] + t * dy));
 }
 
 // Marks the vertices between first and last (exclusive) that Douglas-Peucker
@@ -78,7 +80,7 @@ std::vector<double> thin_ring(const std::vector<double>& xy, double tolerance) {
   std::size_t far = 1;
   double far_distance = -1.0;
   for (std::size_t k = 1; k + 1 < n; ++k) {
-    const double d = std::hypot(xy[2 * k] - xy[0], xy[2 * k + 1] - xy[1]);
+    const double d = cr_hypot(xy[2 * k] - xy[0], xy[2 * k + 1] - xy[1]);
     if (d > far_distance) {
       far_distance = d;
       far = k;
