@@ -15,10 +15,12 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <optional>
 #include <sstream>
 #include <string>
 
 #include "check_models.h"
+#include "common/platform.h"
 #include "model_check.h"
 #include "output/number_format.h"
 
@@ -32,15 +34,17 @@ int usage() {
   return 2;
 }
 
-// A program given with a folder is found from every model's folder; a bare
-// name is left to PATH.
+// The solver's path: a name without a folder is looked up along PATH.
 std::string solver_path(const std::string& given) {
-  if (given.find('/') == std::string::npos) return given;
+  if (given.find('/') == std::string::npos) {
+    const std::optional<fs::path> found = tesseramill::find_on_path(given);
+    return found ? found->string() : given;
+  }
   return fs::absolute(given).lexically_normal().string();
 }
 
 bool solver_runs(const std::string& mf6, const fs::path& work, std::string& version) {
-  const int status = run_command(work, shell_word(mf6) + " -v", work / "mf6_version.txt");
+  const int status = run_command(work, mf6, {"-v"}, work / "mf6_version.txt");
   std::ifstream in(work / "mf6_version.txt");
   while (std::getline(in, version) && version.find_first_not_of(' ') == std::string::npos) {
   }

@@ -2,13 +2,13 @@
 
 #include <chrono>
 #include <cmath>
-#include <cstdlib>
 #include <fstream>
 #include <map>
 #include <sstream>
 #include <vector>
 
 #include "binary_grid.h"
+#include "common/platform.h"
 #include "grid_agreement.h"
 #include "listing_budget.h"
 #include "report/disv_grid.h"
@@ -93,7 +93,7 @@ struct SolverRun {
 SolverRun run_solver(const Programs& programs, const fs::path& folder, const std::string& stem) {
   SolverRun run;
   const auto start = std::chrono::steady_clock::now();
-  const int status = run_command(folder, shell_word(programs.mf6), folder / "mf6_screen.txt");
+  const int status = run_command(folder, programs.mf6, {}, folder / "mf6_screen.txt");
   run.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   const std::string screen = read_all(folder / "mf6_screen.txt");
   run.normal = status == 0 && screen.find(kNormalTermination) != std::string::npos;
@@ -108,29 +108,11 @@ SolverRun run_solver(const Programs& programs, const fs::path& folder, const std
 
 }  // namespace
 
-std::string shell_word(const std::string& text) {
-  std::string word = "'";
-  for (char c : text) {
-    if (c == '\'') {
-      word += "'\\''";
-    } else {
-      word += c;
-    }
-  }
-  return word + "'";
-}
-
-int run_command(const fs::path& folder, const std::string& command, const fs::path& screen_file) {
-  const fs::path status_file = screen_file.string() + ".status";
-  fs::remove(status_file);
-  const std::string line = "cd " + shell_word(folder.string()) + " && { " + command + " > " +
-                           shell_word(screen_file.string()) + " 2>&1; echo $? > " +
-                           shell_word(status_file.string()) + "; }";
-  std::system(line.c_str());
-  std::istringstream in(read_all(status_file));
-  int status = -1;
-  if (!(in >> status)) return -1;
-  return status;
+int run_command(const fs::path& folder, const std::string& program, const std::vector<std::string>& args,
+                const fs::path& screen_file) {
+  const tesseramill::ChildRun run = tesseramill::run_child(folder, program, args);
+  std::ofstream(screen_file, std::ios::binary) << run.output;
+  return run.status;
 }
 
 ModelResult check_model(const CheckModel& model, const Programs& programs, const fs::path& folder) {
@@ -139,8 +121,7 @@ ModelResult check_model(const CheckModel& model, const Programs& programs, const
   write_check_model(model, programs.source_root, folder);
 
   // The mesher, which ends its run with the output control file's line.
-  run_command(folder, shell_word(programs.mesher.string()) + " " + shell_word(model.control),
-              folder / "mesher_screen.txt");
+  run_command(folder, programs.mesher.string(), {model.control}, folder / "mesher_screen.txt");
   const std::string mesher_screen = read_all(folder / "mesher_screen.txt");
   const std::string stem = stem_from_simulation(folder);
   if (stem.empty() || mesher_screen.find(" - file " + stem + ".oc written ok.") == std::string::npos) {
@@ -163,8 +144,7 @@ ModelResult check_model(const CheckModel& model, const Programs& programs, const
   };
   if (!read_grid()) return result;
   if (disv.first_joined_cell != 0) {
-    run_command(folder, shell_word(programs.report.string()) + " --fix-grid " + shell_word(model.control),
-                folder / "fix_screen.txt");
+    run_command(folder, programs.report.string(), {"--fix-grid", model.control}, folder / "fix_screen.txt");
     if (read_all(folder / "fix_screen.txt").find(" written ok: every vertex number") == std::string::npos) {
       result.failure = "the fix of the grid failed: " + last_line(read_all(folder / "fix_screen.txt"));
       return result;

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "check_models.h"
 
@@ -14,7 +15,7 @@ namespace tesseramill_mf6check {
 struct Programs {
   std::filesystem::path mesher;
   std::filesystem::path report;
-  std::string mf6;  // a path, or a name found on PATH
+  std::string mf6;  // the solver's path
   std::filesystem::path source_root;
 };
 
@@ -38,13 +39,9 @@ constexpr double kTightestPercent = 0.01;
 
 ModelResult check_model(const CheckModel& model, const Programs& programs, const std::filesystem::path& folder);
 
-// Runs `command` (a program and its arguments, each quoted for the shell) in
-// `folder` with its screen in `screen_file`; gives its exit status, or -1
-// when the shell could not tell it.
-int run_command(const std::filesystem::path& folder, const std::string& command,
-                const std::filesystem::path& screen_file);
-
-// A word for the shell that stands for `text` as it is.
-std::string shell_word(const std::string& text);
+// Runs `program` with `args` in `folder`, with its screen (output and
+// errors) kept in `screen_file`; gives its exit status.
+int run_command(const std::filesystem::path& folder, const std::string& program,
+                const std::vector<std::string>& args, const std::filesystem::path& screen_file);
 
 }  // namespace tesseramill_mf6check
