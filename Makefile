@@ -2,7 +2,7 @@
 BUILD := build
 WINDOWS_BUILD := build-windows
 FUZZ_SECONDS ?= 60
-VERSION := $(shell sed -n 's/.*version_text = "\(.*\)";.*/\1/p' src/run/startup.cpp)
+VERSION := $(shell sed -n 's/.*version_text = "\(.*\)";.*/\1/p' src/common/run_state.cpp)
 WINDOWS_PACKAGE := tesseramill-$(VERSION)-windows-x64
 
 .PHONY: build demo gis-demo test bench bench-gis maths-check sanitize fuzz mf6-check determinism windows windows-test windows-compare clean

@@ -34,8 +34,8 @@
 #include <string>
 #include <vector>
 
-#include "maths_speed.h"
 #include "common/platform.h"
+#include "maths_speed.h"
 #include "model_family.h"
 #include "run/program.h"
 #include "triangulation/dtris2.h"

@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "binary_grid.h"
+#include "common/failure.h"
 #include "common/platform.h"
 #include "grid_agreement.h"
 #include "listing_budget.h"
 #include "report/disv_grid.h"
-#include "run/failure.h"
 
 namespace tesseramill_mf6check {
 

@@ -4,8 +4,8 @@
 #include <limits>
 #include <new>
 
-#include "run/failure.h"
-#include "run/text_tools.h"
+#include "common/failure.h"
+#include "common/text_tools.h"
 
 namespace tesseramill {
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <string>
 
+#include "common/run_state.h"
 #include "input/boundary_ring.h"
-#include "run/run_state.h"
 
 namespace tesseramill {
 

@@ -5,10 +5,10 @@
 #include <limits>
 #include <numeric>
 
+#include "common/run_state.h"
 #include "emplacement/interior_emplacement.h"
 #include "geometry/local_separation.h"
 #include "geometry/planar_tools.h"
-#include "run/run_state.h"
 
 namespace tesseramill {
 

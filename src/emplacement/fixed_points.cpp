@@ -2,11 +2,11 @@
 
 #include <new>
 
+#include "common/failure.h"
+#include "common/text_tools.h"
 #include "emplacement/chains.h"
 #include "geometry/local_separation.h"
 #include "geometry/planar_tools.h"
-#include "run/failure.h"
-#include "run/text_tools.h"
 
 namespace tesseramill {
 

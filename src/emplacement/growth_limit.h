@@ -1,7 +1,7 @@
 #pragma once
 
+#include "common/run_state.h"
 #include "input/boundary_ring.h"
-#include "run/run_state.h"
 
 namespace tesseramill {
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "common/failure.h"
 #include "emplacement/chains.h"
 #include "emplacement/fast_emplacement.h"
-#include "run/failure.h"
 #include "geometry/local_separation.h"
 #include "geometry/planar_tools.h"
 

@@ -4,14 +4,14 @@
 #include <limits>
 #include <ostream>
 
+#include "common/failure.h"
+#include "common/text_tools.h"
 #include "emplacement/chains.h"
 #include "emplacement/fixed_points.h"
 #include "emplacement/growth_limit.h"
 #include "geometry/planar_tools.h"
 #include "geometry/source_index.h"
-#include "run/failure.h"
 #include "run/phases.h"
-#include "run/text_tools.h"
 
 namespace tesseramill {
 

@@ -3,13 +3,13 @@
 #include <cmath>
 #include <ostream>
 
+#include "common/failure.h"
+#include "common/text_tools.h"
 #include "emplacement/fast_emplacement.h"
 #include "emplacement/interior_emplacement.h"
 #include "emplacement/minimum_separation.h"
 #include "output/number_format.h"
-#include "run/failure.h"
 #include "run/phases.h"
-#include "run/text_tools.h"
 
 namespace tesseramill {
 

@@ -3,11 +3,11 @@
 #include <cmath>
 #include <ostream>
 
+#include "common/failure.h"
+#include "common/text_tools.h"
 #include "geometry/point_in_polygon.h"
 #include "geometry/polygon_integrity.h"
-#include "run/failure.h"
 #include "run/phases.h"
-#include "run/text_tools.h"
 
 namespace tesseramill {
 

@@ -4,8 +4,8 @@
 #include <cmath>
 
 #include "common/correctly_rounded.h"
+#include "common/run_state.h"
 #include "geometry/planar_tools.h"
-#include "run/run_state.h"
 
 namespace tesseramill {
 

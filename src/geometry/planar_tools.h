@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
+#include "common/run_state.h"
 #include "input/boundary_ring.h"
-#include "run/run_state.h"
 
 namespace tesseramill {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "run/text_tools.h"
+#include "common/text_tools.h"
 
 namespace tesseramill {
 

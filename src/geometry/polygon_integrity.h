@@ -2,8 +2,8 @@
 
 #include <string>
 
+#include "common/run_state.h"
 #include "input/boundary_ring.h"
-#include "run/run_state.h"
 
 namespace tesseramill {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "run/run_state.h"
+#include "common/run_state.h"
 
 namespace tesseramill {
 

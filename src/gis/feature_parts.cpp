@@ -4,9 +4,9 @@
 
 #include <cpl_error.h>
 
+#include "common/failure.h"
 #include "gis/model_pieces.h"
 #include "output/number_format.h"
-#include "run/failure.h"
 
 namespace tesseramill {
 

@@ -6,6 +6,7 @@
 #include <sstream>
 #include <unistd.h>
 
+#include "common/failure.h"
 #include "gis/import_options.h"
 #include "gis/layer_source.h"
 #include "gis/model_build.h"
@@ -13,8 +14,6 @@
 #include "gis/model_relations.h"
 #include "gis/model_shaping.h"
 #include "output/number_format.h"
-#include "run/failure.h"
-#include "run/phases.h"
 #include "run/program.h"
 
 namespace tesseramill {

@@ -6,11 +6,10 @@
 
 #include <gdal_priv.h>
 
+#include "common/failure.h"
+#include "common/run_state.h"
 #include "gis/gis_import.h"
 #include "gis/grid_export.h"
-#include "run/failure.h"
-#include "run/phases.h"
-#include "run/run_state.h"
 
 namespace tesseramill {
 

@@ -13,6 +13,8 @@
 #include <ogrsf_frmts.h>
 
 #include "common/correctly_rounded.h"
+#include "common/failure.h"
+#include "common/text_tools.h"
 #include "gis/boundary_cell_rings.h"
 #include "output/number_format.h"
 #include "report/cell_geometry.h"
@@ -20,10 +22,7 @@
 #include "report/grid_frame.h"
 #include "report/line_reaches.h"
 #include "report/zone_shares.h"
-#include "run/failure.h"
-#include "run/phases.h"
 #include "run/program.h"
-#include "run/text_tools.h"
 
 namespace tesseramill {
 

@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-#include "run/failure.h"
-#include "run/text_tools.h"
+#include "common/failure.h"
+#include "common/text_tools.h"
 
 namespace tesseramill {
 

@@ -8,9 +8,9 @@
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
 
+#include "common/failure.h"
+#include "common/text_tools.h"
 #include "output/number_format.h"
-#include "run/failure.h"
-#include "run/text_tools.h"
 
 namespace tesseramill {
 

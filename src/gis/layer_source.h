@@ -11,8 +11,8 @@
 #include <ogr_geometry.h>
 #include <ogr_spatialref.h>
 
+#include "common/run_state.h"
 #include "gis/import_options.h"
-#include "run/run_state.h"
 
 namespace tesseramill {
 

@@ -4,10 +4,10 @@
 #include <ostream>
 
 #include "common/correctly_rounded.h"
+#include "common/failure.h"
+#include "common/limits.h"
 #include "gis/feature_parts.h"
 #include "output/number_format.h"
-#include "run/failure.h"
-#include "run/limits.h"
 
 namespace tesseramill {
 

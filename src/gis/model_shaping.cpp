@@ -3,11 +3,11 @@
 #include <ostream>
 #include <set>
 
+#include "common/failure.h"
 #include "gis/model_build.h"
 #include "gis/model_relations.h"
 #include "gis/outline_cleaning.h"
 #include "gis/outline_thinning.h"
-#include "run/failure.h"
 
 namespace tesseramill {
 

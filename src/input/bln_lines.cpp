@@ -1,8 +1,8 @@
 #include "input/bln_lines.h"
 
-#include "run/failure.h"
-#include "run/limits.h"
-#include "run/text_tools.h"
+#include "common/failure.h"
+#include "common/limits.h"
+#include "common/text_tools.h"
 
 namespace tesseramill {
 

@@ -5,9 +5,9 @@
 #include <new>
 #include <ostream>
 
+#include "common/failure.h"
+#include "common/text_tools.h"
 #include "input/bln_lines.h"
-#include "run/failure.h"
-#include "run/text_tools.h"
 
 namespace tesseramill {
 

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <string>
 
+#include "common/run_state.h"
 #include "input/boundary_ring.h"
 #include "input/line_reader.h"
-#include "run/run_state.h"
 
 namespace tesseramill {
 

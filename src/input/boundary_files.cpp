@@ -2,11 +2,11 @@
 // separations, and the shift of every coordinate.
 #include <ostream>
 
+#include "common/text_tools.h"
 #include "emplacement/interior_emplacement.h"
 #include "input/bln_reader.h"
 #include "input/coordinate_shift.h"
 #include "run/phases.h"
-#include "run/text_tools.h"
 
 namespace tesseramill {
 

@@ -1,13 +1,13 @@
 // Reader of the block-structured control file named on the command line.
 #include <ostream>
 
+#include "common/failure.h"
+#include "common/limits.h"
+#include "common/text_tools.h"
 #include "input/control_file.h"
 #include "input/control_keywords.h"
 #include "input/line_reader.h"
-#include "run/failure.h"
-#include "run/limits.h"
 #include "run/phases.h"
-#include "run/text_tools.h"
 
 namespace tesseramill {
 

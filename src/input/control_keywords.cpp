@@ -1,6 +1,6 @@
 #include "input/control_keywords.h"
 
-#include "run/run_state.h"
+#include "common/run_state.h"
 
 namespace tesseramill {
 

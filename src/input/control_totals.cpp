@@ -1,7 +1,7 @@
 // Closing checks of the control file that compare blocks with each other.
+#include "common/failure.h"
+#include "common/text_tools.h"
 #include "input/control_file.h"
-#include "run/failure.h"
-#include "run/text_tools.h"
 
 namespace tesseramill {
 

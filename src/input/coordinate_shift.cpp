@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <vector>
 
-#include "run/failure.h"
-#include "run/text_tools.h"
+#include "common/failure.h"
+#include "common/text_tools.h"
 
 namespace tesseramill {
 

@@ -2,10 +2,10 @@
 
 #include <ostream>
 
+#include "common/failure.h"
+#include "common/text_tools.h"
 #include "output/number_format.h"
 #include "output/text_file.h"
-#include "run/failure.h"
-#include "run/text_tools.h"
 
 namespace tesseramill {
 

@@ -3,10 +3,10 @@
 #include <cmath>
 #include <ostream>
 
+#include "common/text_tools.h"
 #include "output/number_format.h"
 #include "output/text_file.h"
 #include "run/phases.h"
-#include "run/text_tools.h"
 
 namespace tesseramill {
 

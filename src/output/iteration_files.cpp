@@ -2,9 +2,9 @@
 
 #include <cmath>
 
+#include "common/text_tools.h"
 #include "output/number_format.h"
 #include "output/text_file.h"
-#include "run/text_tools.h"
 
 namespace tesseramill {
 

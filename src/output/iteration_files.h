@@ -2,7 +2,7 @@
 // the last Lloyd pass with the pass number in their names.
 #pragma once
 
-#include "run/run_state.h"
+#include "common/run_state.h"
 
 namespace tesseramill {
 

@@ -1,11 +1,11 @@
 // The MODFLOW 6 grid and the minimal simulation written around it.
 #include <ostream>
 
+#include "common/text_tools.h"
 #include "output/disv_file.h"
 #include "output/number_format.h"
 #include "output/text_file.h"
 #include "run/phases.h"
-#include "run/text_tools.h"
 
 namespace tesseramill {
 

@@ -1,9 +1,9 @@
 #include "output/text_file.h"
 
+#include "common/failure.h"
+#include "common/limits.h"
 #include "common/platform.h"
-#include "run/failure.h"
-#include "run/limits.h"
-#include "run/text_tools.h"
+#include "common/text_tools.h"
 
 namespace tesseramill {
 

@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <string>
 
-#include "run/parallel.h"
-#include "run/run_state.h"
+#include "common/parallel.h"
+#include "common/run_state.h"
 
 namespace tesseramill {
 

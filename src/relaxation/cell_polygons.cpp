@@ -2,9 +2,9 @@
 
 #include <cmath>
 
-#include "run/failure.h"
-#include "run/parallel.h"
-#include "run/text_tools.h"
+#include "common/failure.h"
+#include "common/parallel.h"
+#include "common/text_tools.h"
 
 namespace tesseramill {
 

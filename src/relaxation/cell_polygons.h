@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "run/run_state.h"
+#include "common/run_state.h"
 
 namespace tesseramill {
 

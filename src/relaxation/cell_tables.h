@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "run/limits.h"
+#include "common/limits.h"
 
 namespace tesseramill {
 

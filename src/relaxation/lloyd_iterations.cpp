@@ -4,12 +4,12 @@
 #include <cmath>
 #include <ostream>
 
+#include "common/parallel.h"
 #include "geometry/planar_tools.h"
 #include "output/iteration_files.h"
 #include "output/number_format.h"
 #include "relaxation/cell_polygons.h"
 #include "relaxation/lloyd_step.h"
-#include "run/parallel.h"
 #include "run/phases.h"
 #include "triangulation/triangulate_points.h"
 

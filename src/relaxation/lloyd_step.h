@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "run/run_state.h"
+#include "common/run_state.h"
 
 namespace tesseramill {
 

@@ -3,9 +3,9 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "common/failure.h"
+#include "common/text_tools.h"
 #include "input/line_reader.h"
-#include "run/failure.h"
-#include "run/text_tools.h"
 
 namespace tesseramill {
 

@@ -7,11 +7,11 @@
 #include <system_error>
 #include <vector>
 
-#include "output/number_format.h"
+#include "common/failure.h"
+#include "common/text_tools.h"
 #include "input/line_reader.h"
+#include "output/number_format.h"
 #include "output/text_file.h"
-#include "run/failure.h"
-#include "run/text_tools.h"
 
 namespace tesseramill {
 

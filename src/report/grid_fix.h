@@ -11,9 +11,9 @@
 
 #include <string>
 
+#include "common/run_state.h"
 #include "output/text_file.h"
 #include "report/disv_grid.h"
-#include "run/run_state.h"
 
 namespace tesseramill {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "run/run_state.h"
+#include "common/run_state.h"
 
 namespace tesseramill {
 

@@ -4,10 +4,10 @@
 #include <cmath>
 
 #include "common/correctly_rounded.h"
+#include "common/text_tools.h"
 #include "geometry/planar_tools.h"
 #include "output/number_format.h"
 #include "report/cell_geometry.h"
-#include "run/text_tools.h"
 
 namespace tesseramill {
 

@@ -3,6 +3,9 @@
 #include <ostream>
 #include <string_view>
 
+#include "common/command_line.h"
+#include "common/failure.h"
+#include "common/text_tools.h"
 #include "output/number_format.h"
 #include "output/text_file.h"
 #include "report/cell_geometry.h"
@@ -14,10 +17,7 @@
 #include "report/line_reaches.h"
 #include "report/report_tables.h"
 #include "report/zone_shares.h"
-#include "run/failure.h"
-#include "run/phases.h"
 #include "run/program.h"
-#include "run/text_tools.h"
 
 namespace tesseramill {
 

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <ostream>
 
-#include "run/failure.h"
+#include "common/failure.h"
 #include "run/phases.h"
 
 namespace tesseramill {

@@ -6,12 +6,12 @@
 #include <numeric>
 #include <ostream>
 
+#include "common/failure.h"
+#include "common/parallel.h"
+#include "common/text_tools.h"
 #include "emplacement/mesh_point_list.h"
 #include "geometry/planar_tools.h"
 #include "output/number_format.h"
-#include "run/failure.h"
-#include "run/parallel.h"
-#include "run/text_tools.h"
 #include "triangulation/dtris2.h"
 
 namespace tesseramill {

@@ -5,13 +5,13 @@
 #include <cmath>
 #include <sstream>
 
+#include "common/failure.h"
 #include "emplacement/chains.h"
 #include "emplacement/fixed_points.h"
 #include "emplacement/growth_limit.h"
 #include "emplacement/interior_emplacement.h"
 #include "geometry/local_separation.h"
 #include "geometry/source_index.h"
-#include "run/failure.h"
 #include "run/phases.h"
 
 namespace tesseramill {

@@ -10,8 +10,8 @@
 #include "geometry/planar_tools.h"
 #include "geometry/source_index.h"
 #include "model_family.h"
-#include "support/random.h"
 #include "support/model_state.h"
+#include "support/random.h"
 #include "support/scratch.h"
 
 namespace tesseramill {

@@ -7,8 +7,8 @@
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
 
+#include "common/text_tools.h"
 #include "gis/gis_program.h"
-#include "run/text_tools.h"
 
 namespace tesseramill_test {
 

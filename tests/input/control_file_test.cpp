@@ -4,7 +4,7 @@
 
 #include <sstream>
 
-#include "run/failure.h"
+#include "common/failure.h"
 #include "run/phases.h"
 #include "support/scratch.h"
 

@@ -3,7 +3,7 @@
 
 #include <sstream>
 
-#include "run/failure.h"
+#include "common/failure.h"
 #include "run/phases.h"
 #include "support/scratch.h"
 

@@ -3,9 +3,9 @@
 
 #include <sstream>
 
+#include "common/failure.h"
 #include "output/disv_file.h"
 #include "output/iteration_files.h"
-#include "run/failure.h"
 #include "support/scratch.h"
 
 namespace tesseramill {

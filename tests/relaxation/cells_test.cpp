@@ -4,9 +4,9 @@
 #include <cmath>
 #include <sstream>
 
+#include "common/failure.h"
 #include "relaxation/cell_polygons.h"
 #include "relaxation/lloyd_step.h"
-#include "run/failure.h"
 #include "support/scratch.h"
 
 namespace tesseramill {

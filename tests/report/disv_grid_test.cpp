@@ -4,10 +4,10 @@
 
 #include <sstream>
 
+#include "common/failure.h"
 #include "output/number_format.h"
 #include "report/disv_grid.h"
 #include "report/grid_quality.h"
-#include "run/failure.h"
 #include "support/grid_text.h"
 #include "support/scratch.h"
 

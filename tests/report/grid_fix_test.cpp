@@ -8,10 +8,10 @@
 #include <map>
 #include <sstream>
 
+#include "common/failure.h"
 #include "report/disv_grid.h"
 #include "report/grid_fix.h"
 #include "report/grid_quality.h"
-#include "run/failure.h"
 #include "support/grid_text.h"
 #include "support/scratch.h"
 

@@ -2,8 +2,8 @@
 
 #include <sstream>
 
+#include "common/failure.h"
 #include "output/number_format.h"
-#include "run/failure.h"
 #include "support/scratch.h"
 
 namespace tesseramill_test {

@@ -2,7 +2,7 @@
 
 #include <ostream>
 
-#include "run/failure.h"
+#include "common/failure.h"
 #include "run/phases.h"
 
 namespace tesseramill_test {

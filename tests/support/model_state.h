@@ -6,8 +6,8 @@
 #include <iosfwd>
 #include <string>
 
+#include "common/run_state.h"
 #include "run/program.h"
-#include "run/run_state.h"
 
 namespace tesseramill_test {
 

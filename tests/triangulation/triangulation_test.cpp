@@ -7,9 +7,9 @@
 #include <set>
 #include <sstream>
 
+#include "support/random.h"
 #include "triangulation/dtris2.h"
 #include "triangulation/triangulate_points.h"
-#include "support/random.h"
 
 namespace tesseramill {
 namespace {

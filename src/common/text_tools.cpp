@@ -1,4 +1,4 @@
-#include "run/text_tools.h"
+#include "common/text_tools.h"
 
 #include <cerrno>
 #include <charconv>

@@ -8,13 +8,13 @@
 
 #include <vector>
 
+#include "common/control_data.h"
 #include "emplacement/fast_emplacement.h"
 #include "emplacement/mesh_point_list.h"
 #include "geometry/domain_index.h"
 #include "geometry/source_index.h"
 #include "input/boundary_ring.h"
 #include "relaxation/cell_tables.h"
-#include "run/control_data.h"
 #include "triangulation/triangle_table.h"
 
 namespace tesseramill {
@@ -79,5 +79,10 @@ struct RunState {
   TriangleTable triangles;
   CellTables cells;
 };
+
+// Blanks the run state and sets its fixed texts (version, block names).
+void initialise_run_state(RunState& state);
+// Drops everything the run state holds; the screen stays.
+void release_run_state(RunState& state);
 
 }  // namespace tesseramill

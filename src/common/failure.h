@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "run/run_state.h"
+#include "common/run_state.h"
 
 namespace tesseramill {
 

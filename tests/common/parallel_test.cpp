@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "run/parallel.h"
+#include "common/parallel.h"
 
 namespace tesseramill {
 namespace {

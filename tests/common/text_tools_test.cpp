@@ -2,7 +2,7 @@
 
 #include <sstream>
 
-#include "run/text_tools.h"
+#include "common/text_tools.h"
 
 namespace tesseramill {
 namespace {

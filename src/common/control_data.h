@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "run/limits.h"
+#include "common/limits.h"
 
 namespace tesseramill {
 

@@ -1,10 +1,9 @@
-#include "run/failure.h"
+#include "common/failure.h"
 
 #include <ostream>
 
-#include "run/limits.h"
-#include "run/phases.h"
-#include "run/text_tools.h"
+#include "common/limits.h"
+#include "common/text_tools.h"
 
 namespace tesseramill {
 
