@@ -16,6 +16,7 @@
 #include "common/failure.h"
 #include "common/text_tools.h"
 #include "gis/boundary_cell_rings.h"
+#include "gis/spatial_index.h"
 #include "output/number_format.h"
 #include "report/cell_geometry.h"
 #include "report/disv_grid.h"
@@ -82,7 +83,8 @@ OGRLineString part_of_line(const std::vector<double>& xy, double start, double e
 
 OGRLayer* new_layer(RunState& state, GDALDataset& d, const char* name, OGRSpatialReference* crs,
                     OGRwkbGeometryType type, const std::vector<std::pair<const char*, OGRFieldType>>& fields) {
-  const char* options[] = {"SPATIAL_INDEX=YES", nullptr};
+  // The spatial index is written by the layer's transaction itself, packed.
+  const char* options[] = {"SPATIAL_INDEX=NO", nullptr};
   OGRLayer* layer = d.CreateLayer(name, crs, type, const_cast<char**>(options));
   if (layer == nullptr) fail(state, std::string("Cannot make layer ") + name + ": " + CPLGetLastErrorMsg());
   for (const auto& [field, field_type] : fields) {
@@ -92,19 +94,27 @@ OGRLayer* new_layer(RunState& state, GDALDataset& d, const char* name, OGRSpatia
   return layer;
 }
 
-// Writes one layer's features in one transaction.
-void in_transaction(RunState& state, GDALDataset& d, const char* name, const std::function<void()>& body) {
-  if (d.StartTransaction() != OGRERR_NONE) fail(state, std::string("Cannot start writing layer ") + name + ".");
-  body();
+// Writes one layer's features and its spatial index in one transaction;
+// `body` adds the features through add_feature.
+void in_transaction(RunState& state, GDALDataset& d, OGRLayer& layer,
+                    const std::function<void(PendingIndex&)>& body) {
+  const std::string name = layer.GetName();
+  if (d.StartTransaction() != OGRERR_NONE) fail(state, "Cannot start writing layer " + name + ".");
+  PendingIndex index = begin_spatial_index(state, d, layer);
+  body(index);
+  finish_spatial_index(state, d, index);
   if (d.CommitTransaction() != OGRERR_NONE) {
-    fail(state, std::string("Cannot write layer ") + name + ": " + CPLGetLastErrorMsg());
+    fail(state, "Cannot write layer " + name + ": " + CPLGetLastErrorMsg());
   }
 }
 
-void add_feature(RunState& state, OGRLayer& layer, OGRFeature& f) {
+void add_feature(RunState& state, OGRLayer& layer, PendingIndex& index, OGRFeature& f) {
   if (layer.CreateFeature(&f) != OGRERR_NONE) {
     fail(state, std::string("Cannot write a feature of layer ") + layer.GetName() + ": " + CPLGetLastErrorMsg());
   }
+  OGREnvelope e;
+  f.GetGeometryRef()->getEnvelope(&e);
+  index_feature(index, f.GetFID(), Envelope{e.MinX, e.MaxX, e.MinY, e.MaxY});
 }
 
 std::vector<double> cell_xy(const DisvGrid& disv, std::size_t c) {
@@ -174,7 +184,7 @@ void export_grid(RunState& state, const std::vector<std::string>& args, std::ost
   // file holds them clockwise.
   OGRLayer* cells = new_layer(state, *d, "cells", srs, wkbPolygon,
                               {{"cell", OFTInteger}, {"area", OFTReal}, {"x", OFTReal}, {"y", OFTReal}, {"ring", OFTInteger}});
-  in_transaction(state, *d, "cells", [&] {
+  in_transaction(state, *d, *cells, [&](PendingIndex& index) {
     OGRFeature f(cells->GetLayerDefn());
     for (std::size_t k = 0; k < static_cast<std::size_t>(disv.ncpl); ++k) {
       const std::vector<double> xy = cell_xy(disv, k);
@@ -188,7 +198,7 @@ void export_grid(RunState& state, const std::vector<std::string>& args, std::ost
       f.SetField("y", disv.centres[2 * k + 1] + world.y0);
       f.SetField("ring", rings[k]);
       f.SetGeometry(&polygon);
-      add_feature(state, *cells, f);
+      add_feature(state, *cells, index, f);
     }
   });
   screen << " - layer cells: " << format_integer(disv.ncpl) << " cells\n" << std::flush;
@@ -197,7 +207,7 @@ void export_grid(RunState& state, const std::vector<std::string>& args, std::ost
                                 {{"line", OFTInteger}, {"bln_file", OFTString}, {"cell", OFTInteger},
                                  {"length", OFTReal}, {"start", OFTReal}, {"end", OFTReal}});
   std::int64_t reach_count = 0;
-  in_transaction(state, *d, "reaches", [&] {
+  in_transaction(state, *d, *reaches, [&](PendingIndex& index) {
     OGRFeature f(reaches->GetLayerDefn());
     std::vector<Reach> found;
     for (std::int32_t i = 0; i < c.inner_line_count; ++i) {
@@ -214,7 +224,7 @@ void export_grid(RunState& state, const std::vector<std::string>& args, std::ost
         f.SetField("start", r.start);
         f.SetField("end", r.end);
         f.SetGeometry(&geometry);
-        add_feature(state, *reaches, f);
+        add_feature(state, *reaches, index, f);
         ++reach_count;
       }
     }
@@ -224,7 +234,7 @@ void export_grid(RunState& state, const std::vector<std::string>& args, std::ost
   OGRLayer* wells = new_layer(state, *d, "wells", srs, wkbPoint,
                               {{"point", OFTInteger}, {"bln_file", OFTString}, {"cell", OFTInteger}});
   std::int64_t well_count = 0;
-  in_transaction(state, *d, "wells", [&] {
+  in_transaction(state, *d, *wells, [&](PendingIndex& index) {
     OGRFeature f(wells->GetLayerDefn());
     std::vector<std::int32_t> near;
     std::vector<double> scratch;
@@ -240,7 +250,7 @@ void export_grid(RunState& state, const std::vector<std::string>& args, std::ost
         f.SetField("bln_file", trimmed(c.inner_points_files[s]).c_str());
         f.SetField("cell", cell + 1);
         f.SetGeometry(&point);
-        add_feature(state, *wells, f);
+        add_feature(state, *wells, index, f);
         ++well_count;
       }
     }
@@ -250,7 +260,7 @@ void export_grid(RunState& state, const std::vector<std::string>& args, std::ost
   OGRLayer* zones = new_layer(state, *d, "zones", srs, wkbPolygon,
                               {{"polygon", OFTInteger}, {"bln_file", OFTString}, {"cell", OFTInteger}, {"share", OFTReal}});
   std::int64_t zone_count = 0;
-  in_transaction(state, *d, "zones", [&] {
+  in_transaction(state, *d, *zones, [&](PendingIndex& index) {
     OGRFeature f(zones->GetLayerDefn());
     std::vector<ZoneCell> found;
     for (std::size_t p = 0; p < state.inner_polygons.size(); ++p) {
@@ -268,7 +278,7 @@ void export_grid(RunState& state, const std::vector<std::string>& args, std::ost
         f.SetField("cell", z.cell + 1);
         f.SetField("share", z.share);
         f.SetGeometry(&cell_polygon);
-        add_feature(state, *zones, f);
+        add_feature(state, *zones, index, f);
         ++zone_count;
       }
     }
@@ -276,7 +286,7 @@ void export_grid(RunState& state, const std::vector<std::string>& args, std::ost
   screen << " - layer zones: " << format_integer(zone_count) << " cells of zones\n" << std::flush;
 
   OGRLayer* domain = new_layer(state, *d, "domain", srs, wkbPolygon, {});
-  in_transaction(state, *d, "domain", [&] {
+  in_transaction(state, *d, *domain, [&](PendingIndex& index) {
     OGRFeature f(domain->GetLayerDefn());
     OGRPolygon polygon;
     const World offset{state.x_offset, state.y_offset};
@@ -290,7 +300,7 @@ void export_grid(RunState& state, const std::vector<std::string>& args, std::ost
     polygon.addRingDirectly(new OGRLinearRing(ring_of(state.outer_boundary, true)));
     for (const BoundaryRing& hole : state.inner_boundaries) polygon.addRingDirectly(new OGRLinearRing(ring_of(hole, false)));
     f.SetGeometry(&polygon);
-    add_feature(state, *domain, f);
+    add_feature(state, *domain, index, f);
   });
   screen << " - layer domain: the outer boundary with " << format_integer(static_cast<std::int64_t>(state.inner_boundaries.size()))
          << (state.inner_boundaries.size() == 1 ? " hole\n" : " holes\n");

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <fstream>
 #include <map>
+#include <set>
 #include <sstream>
 
 #include <gdal_priv.h>
@@ -35,6 +36,26 @@ struct Dataset {
 // The layers of the chain: a catchment whose multipolygon holds a lake and
 // a sliver part (GeoJSON), a river and its tributary as one multi-line
 // (Shapefile), wells as a CSV table, a zone (GeoPackage).
+// The first field of the first row a statement gives, as text.
+std::string sql_text(GDALDataset& d, const std::string& sql) {
+  OGRLayer* result = d.ExecuteSQL(sql.c_str(), nullptr, nullptr);
+  if (result == nullptr) return "(no result)";
+  OGRFeatureUniquePtr row(result->GetNextFeature());
+  std::string text = row ? row->GetFieldAsString(0) : "(no row)";
+  d.ReleaseResultSet(result);
+  return text;
+}
+
+// The first field of every row a statement gives, as integers.
+std::set<GIntBig> sql_ids(GDALDataset& d, const std::string& sql) {
+  std::set<GIntBig> ids;
+  OGRLayer* result = d.ExecuteSQL(sql.c_str(), nullptr, nullptr);
+  if (result == nullptr) return ids;
+  for (auto& row : *result) ids.insert(row->GetFieldAsInteger64(0));
+  d.ReleaseResultSet(result);
+  return ids;
+}
+
 void write_layers(const fs::path& dir) {
   write_layer(dir / "catchment.geojson", "GeoJSON", "catchment", kUtm33,
               {{"MULTIPOLYGON (((500200 5100100, 503100 5099800, 505900 5100600, 506300 5102500, 505200 5104100, "
@@ -159,6 +180,45 @@ TEST(ImportMeshExport, LayersBecomeAModelWhoseGridComesBackAsAGeoPackage) {
   OGRFeatureUniquePtr verdict(check->GetNextFeature());
   EXPECT_STREQ(verdict->GetFieldAsString(0), "ok");
   gpkg.d->ReleaseResultSet(check);
+  // Each layer's spatial index: SQLite's own check of the tree, one entry a
+  // feature, and a search through it finds what a scan of every feature does.
+  for (const char* name : {"cells", "reaches", "wells", "zones", "domain"}) {
+    const std::string rtree = std::string("rtree_") + name + "_geom";
+    EXPECT_EQ(sql_text(*gpkg.d, "SELECT rtreecheck('" + rtree + "')"), "ok") << name;
+    OGRLayer* layer = gpkg.d->GetLayerByName(name);
+    EXPECT_EQ(sql_text(*gpkg.d, "SELECT count(*) FROM " + rtree + "_rowid"), std::to_string(layer->GetFeatureCount()))
+        << name;
+  }
+  // A search of the cells' index finds every cell whose box meets the
+  // window, and no other but those within the index's float rounding (under
+  // a metre at these coordinates) of it.
+  OGRLayer* indexed = gpkg.d->GetLayerByName("cells");
+  OGREnvelope extent;
+  ASSERT_EQ(indexed->GetExtent(&extent), OGRERR_NONE);
+  std::map<GIntBig, OGREnvelope> boxes;
+  for (auto& f : *indexed) f->GetGeometryRef()->getEnvelope(&boxes[f->GetFID()]);
+  auto meets = [](const OGREnvelope& e, double x0, double y0, double x1, double y1) {
+    return e.MaxX >= x0 && e.MinX <= x1 && e.MaxY >= y0 && e.MinY <= y1;
+  };
+  for (int k = 0; k < 4; ++k) {
+    const double side = 0.2 * (extent.MaxX - extent.MinX);
+    const double x0 = extent.MinX + (extent.MaxX - extent.MinX) * (0.1 + 0.2 * k);
+    const double y0 = extent.MinY + (extent.MaxY - extent.MinY) * (0.7 - 0.15 * k);
+    std::ostringstream query;
+    query.precision(17);
+    query << "SELECT id FROM rtree_cells_geom WHERE maxx >= " << x0 << " AND minx <= " << x0 + side
+          << " AND maxy >= " << y0 << " AND miny <= " << y0 + side;
+    const std::set<GIntBig> searched = sql_ids(*gpkg.d, query.str());
+    std::size_t scanned = 0;
+    for (const auto& [fid, e] : boxes) {
+      if (meets(e, x0, y0, x0 + side, y0 + side)) {
+        ++scanned;
+        EXPECT_TRUE(searched.count(fid)) << "cell " << fid << " missed by the index";
+      }
+    }
+    for (GIntBig fid : searched) EXPECT_TRUE(meets(boxes.at(fid), x0 - 1, y0 - 1, x0 + side + 1, y0 + side + 1)) << fid;
+    EXPECT_GT(scanned, 0u) << k;
+  }
 #ifdef TESSERAMILL_VALIDATE_GPKG
   // GDAL's validation of the GeoPackage's tables, as a separate program.
   const RunResult validation =
