@@ -95,6 +95,16 @@ sanitize:
 	cmake --build build-san -j 2
 	cd build-san && ASAN_OPTIONS=allocator_may_return_null=1 ctest --output-on-failure -j 2
 
+# The GIS program under the same sanitizers.  GDAL is built for GCC's
+# standard library, so this build is GCC's; only the GIS suite runs here
+# (the rest ran above).  Leaks are looked for in this project's code only:
+# GDAL keeps its drivers and caches to the end of the process on purpose.
+sanitize-gis:
+	cmake -S . -B build-san-gis -DTESSERAMILL_SANITIZE=ON
+	cmake --build build-san-gis -j 2 --target tesseramill_gis_tests
+	cd build-san-gis && ASAN_OPTIONS=allocator_may_return_null=1 LSAN_OPTIONS=suppressions=$(CURDIR)/tests/gis/gdal_leaks.supp \
+	  ctest --output-on-failure -j 2 -L gis
+
 # Fuzzes the control-file reader, the BLN and point readers and the report
 # on a grid file for FUZZ_SECONDS each, starting from the seed corpus in
 # tests/fuzz/corpus (grid files may be twice as long as the others, so that

@@ -6,6 +6,8 @@
 //   tesseramill-gis-bench --export CELLS  the mesher on the family's model of
 //                                         about CELLS cells (1e3 .. 1e6, one
 //                                         Lloyd pass), then the export timed
+//   --repeat N                            runs of each timed program (default
+//                                         3); the median is given
 //   --folder DIR                          work in DIR and keep what is there
 //                                         (layers, model, grid) afterwards
 //
@@ -14,6 +16,7 @@
 // seconds and the peak memory of the timed program alone.
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
@@ -93,6 +96,26 @@ void print(const std::string& what, const ChildRun& run) {
             << " MiB\n";
 }
 
+// Runs a program `repeat` times and gives the run of median wall time (the
+// largest peak of them all); each run is printed.
+int repeat = 3;
+
+ChildRun median_run(const std::string& what, const std::vector<std::string>& args, const fs::path& folder) {
+  std::vector<ChildRun> runs;
+  long peak = 0;
+  for (int k = 0; k < repeat; ++k) {
+    runs.push_back(run_child(args, folder));
+    print(what + " (run " + std::to_string(k + 1) + ")", runs.back());
+    peak = std::max(peak, runs.back().peak_kib);
+    if (!runs.back().ok) return runs.back();
+  }
+  std::sort(runs.begin(), runs.end(), [](const ChildRun& a, const ChildRun& b) { return a.wall < b.wall; });
+  ChildRun median = runs[runs.size() / 2];
+  median.peak_kib = peak;
+  print(what + ", median of " + std::to_string(repeat), median);
+  return median;
+}
+
 void write_text(const fs::path& path, const std::string& text) { std::ofstream(path) << text; }
 
 bool time_import(const fs::path& work, int vertices) {
@@ -119,12 +142,12 @@ bool time_import(const fs::path& work, int vertices) {
     wells += (k > 0 ? "," : "") + feature("Point", point.str(), 20.0);
   }
   write_text(work / "wells.geojson", geojson("wells", wells));
-  const ChildRun run =
-      run_child({program("tesseramill-gis").string(), "import", "model", "--boundary", "catchment.geojson", "--holes",
-                 "lakes.geojson", "--lines", "rivers.geojson", "--points", "wells.geojson", "--zones", "zones.geojson",
-                 "--max-spacing", "1000"},
-                work);
-  print("import of " + std::to_string(boundary + 4 * tenth) + " vertices", run);
+  const ChildRun run = median_run(
+      "import of " + std::to_string(boundary + 4 * tenth) + " vertices",
+      {program("tesseramill-gis").string(), "import", "model", "--boundary", "catchment.geojson", "--holes",
+       "lakes.geojson", "--lines", "rivers.geojson", "--points", "wells.geojson", "--zones", "zones.geojson",
+       "--max-spacing", "1000", "--force"},
+      work);
   std::istringstream lines(run.out);
   for (std::string line; std::getline(lines, line);) {
     if (line.find("vertices read") != std::string::npos) std::cout << line << "\n";
@@ -141,8 +164,7 @@ bool time_export(const fs::path& work, double cells) {
   const ChildRun mesher = run_child({program("tesseramill").string(), control}, folder);
   print("mesher on the family model of about " + std::to_string(static_cast<long>(cells)) + " cells (MAX_LLOYD 1)", mesher);
   if (!mesher.ok) return false;
-  const ChildRun run = run_child({program("tesseramill-gis").string(), "export", control}, folder);
-  print("export", run);
+  const ChildRun run = median_run("export", {program("tesseramill-gis").string(), "export", control}, folder);
   std::istringstream lines(run.out);
   for (std::string line; std::getline(lines, line);) {
     if (line.find(" - layer ") != std::string::npos) std::cout << line << "\n";
@@ -165,13 +187,15 @@ int main(int argc, char** argv) {
       do_import = true;
     } else if (args[k] == "--folder") {
       folder = args[k + 1];
+    } else if (args[k] == "--repeat") {
+      repeat = std::atoi(args[k + 1].c_str());
     } else if (args[k] == "--export") {
       cells = std::atof(args[k + 1].c_str());
       do_export = true;
     }
   }
-  if ((!do_import && !do_export) || args.size() % 2 != 0 || vertices < 100 || cells < 1e3) {
-    std::cerr << "usage: tesseramill-gis-bench [--import VERTICES] [--export CELLS]\n";
+  if ((!do_import && !do_export) || args.size() % 2 != 0 || vertices < 100 || cells < 1e3 || repeat < 1) {
+    std::cerr << "usage: tesseramill-gis-bench [--import VERTICES] [--export CELLS] [--repeat N] [--folder DIR]\n";
     return 2;
   }
   const fs::path work = !folder.empty() ? fs::absolute(folder)
