@@ -5,7 +5,7 @@ FUZZ_SECONDS ?= 60
 VERSION := $(shell sed -n 's/.*version_text = "\(.*\)";.*/\1/p' src/common/run_state.cpp)
 WINDOWS_PACKAGE := tesseramill-$(VERSION)-windows-x64
 
-.PHONY: build demo gis-demo test bench bench-gis maths-check sanitize fuzz mf6-check determinism windows windows-test windows-compare clean
+.PHONY: build demo gis-demo test bench bench-gis maths-check reference-check sanitize fuzz mf6-check determinism windows windows-test windows-compare clean
 
 build:
 	cmake -S . -B $(BUILD)
@@ -83,6 +83,16 @@ maths-check:
 	cmake -S . -B $(BUILD)
 	cmake --build $(BUILD) -j 2 --target tesseramill_maths_check
 	$(BUILD)/tests/tesseramill_maths_check
+
+# Re-derives the recorded digests of the family's 30,000-cell model from the
+# reference routines themselves and compares them with the file
+# tests/golden/large/reference.sha256, which the fast run is checked against
+# in make test.  About an hour on the shared machine.
+reference-check:
+	cmake -S . -B $(BUILD)
+	cmake --build $(BUILD) -j 2 --target tesseramill_tests
+	$(BUILD)/tests/tesseramill_tests --gtest_also_run_disabled_tests \
+	  --gtest_filter=ReferencePaths.DISABLED_ReferencePathsRecorded
 
 # Every test again, built with clang and its standard library libc++ (so that
 # the whole suite runs once with a second compiler and library) under the

@@ -5,6 +5,7 @@
 // that a single pass in order would meet first.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <exception>
 #include <limits>
@@ -23,11 +24,18 @@ struct PartFailure {
 // Below this many items a second thread costs more than it saves.
 inline constexpr std::size_t kSmallestSharedWork = 20000;
 
+// The count from which run_in_parts shares work when its caller names none.
+// The program never changes it; the library's tests raise it past every
+// count to make a whole run on one core and compare its bytes with the
+// two-core run's.
+inline std::atomic<std::size_t> smallest_shared_work{kSmallestSharedWork};
+
 // Runs work(begin, end, part) over [0, count), as two halves on two threads
 // (part 0 and part 1) when there are at least `smallest` items, and gives the
 // failure of the lowest item, if any.  `work` returns a PartFailure.
 template <typename Work>
-PartFailure run_in_parts(std::size_t count, Work work, std::size_t smallest = kSmallestSharedWork) {
+PartFailure run_in_parts(std::size_t count, Work work,
+                         std::size_t smallest = smallest_shared_work.load(std::memory_order_relaxed)) {
   if (count < smallest) return work(std::size_t{0}, count, 0);
   const std::size_t middle = count / 2;
   PartFailure second;

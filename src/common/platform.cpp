@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <string_view>
 
@@ -19,6 +21,8 @@
 #include <thread>
 #else
 #include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -171,7 +175,7 @@ static std::vector<std::string> words_of(int argc, const char* const* argv) {
 }
 
 ChildRun run_child(const std::filesystem::path& folder, const std::string& program,
-                   const std::vector<std::string>& args, ChildStreams streams) {
+                   const std::vector<std::string>& args, ChildStreams streams, double time_limit_seconds) {
   ChildRun run;
   SECURITY_ATTRIBUTES inherit{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
   HANDLE read_end = nullptr;
@@ -220,7 +224,15 @@ ChildRun run_child(const std::filesystem::path& folder, const std::string& progr
         run.peak_kib = std::max(run.peak_kib, static_cast<long>(memory.PeakWorkingSetSize / 1024));
       }
     };
-    while (WaitForSingleObject(process.hProcess, 10) == WAIT_TIMEOUT) sample_peak();
+    const auto start = std::chrono::steady_clock::now();
+    while (WaitForSingleObject(process.hProcess, 10) == WAIT_TIMEOUT) {
+      sample_peak();
+      if (!run.timed_out && time_limit_seconds > 0.0 &&
+          std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() > time_limit_seconds) {
+        run.timed_out = true;
+        TerminateProcess(process.hProcess, 1);
+      }
+    }
     sample_peak();
     reader.join();
     DWORD code = 0;
@@ -285,7 +297,7 @@ static std::vector<std::string> words_of(int argc, const char* const* argv) {
 }
 
 ChildRun run_child(const std::filesystem::path& folder, const std::string& program,
-                   const std::vector<std::string>& args, ChildStreams streams) {
+                   const std::vector<std::string>& args, ChildStreams streams, double time_limit_seconds) {
   ChildRun run;
   int pipe_ends[2];
   if (::pipe(pipe_ends) != 0) return run;
@@ -310,14 +322,51 @@ ChildRun run_child(const std::filesystem::path& folder, const std::string& progr
     run.status = 127;
     return run;
   }
+  // The screen is read until the child closes it; past the time limit the
+  // child is killed, which closes it too (a second of silence after the kill
+  // ends the reading all the same, should a grandchild hold the pipe).
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::duration<double>(time_limit_seconds);
   char buffer[4096];
-  ssize_t got = 0;
-  while ((got = ::read(pipe_ends[0], buffer, sizeof buffer)) > 0) run.output.append(buffer, static_cast<std::size_t>(got));
+  for (;;) {
+    int wait_ms = -1;
+    if (run.timed_out) {
+      wait_ms = 1000;
+    } else if (time_limit_seconds > 0.0) {
+      const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+      wait_ms = static_cast<int>(std::clamp<long long>(left.count(), 0, 1000));
+    }
+    struct pollfd ready {pipe_ends[0], POLLIN, 0};
+    const int polled = ::poll(&ready, 1, wait_ms);
+    if (polled == 0) {
+      if (run.timed_out) break;
+      if (std::chrono::steady_clock::now() >= deadline) {
+        run.timed_out = true;
+        ::kill(child, SIGKILL);
+      }
+      continue;
+    }
+    if (polled < 0 && errno == EINTR) continue;
+    const ssize_t got = ::read(pipe_ends[0], buffer, sizeof buffer);
+    if (got < 0 && errno == EINTR) continue;
+    if (got <= 0) break;
+    run.output.append(buffer, static_cast<std::size_t>(got));
+  }
   ::close(pipe_ends[0]);
   int raw = 0;
   struct rusage usage {};
-  if (::wait4(child, &raw, 0, &usage) == child) {
+  // A child that closed its screen may still run: it gets the same limit.
+  pid_t ended = 0;
+  while (time_limit_seconds > 0.0 && (ended = ::wait4(child, &raw, WNOHANG, &usage)) == 0) {
+    if (!run.timed_out && std::chrono::steady_clock::now() >= deadline) {
+      run.timed_out = true;
+      ::kill(child, SIGKILL);
+    }
+    ::usleep(10000);
+  }
+  if (ended == 0) ended = ::wait4(child, &raw, 0, &usage);
+  if (ended == child) {
     run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    run.signal = WIFSIGNALED(raw) ? WTERMSIG(raw) : 0;
     run.peak_kib = usage.ru_maxrss;
   }
   return run;

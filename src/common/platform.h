@@ -59,13 +59,21 @@ struct ChildRun {
   // The most memory the child held at once, in KiB: its peak resident set
   // on Linux, its peak working set on Windows.
   long peak_kib = 0;
+  // The signal that ended the child on Linux, 0 when it exited.  (Windows
+  // gives a crash as an exit status, such as 0xC0000005 for an access
+  // violation.)
+  int signal = 0;
+  // Whether the child was still running at the time limit and was ended.
+  bool timed_out = false;
 };
 
 // Starts `program` (a path) with `args` in `folder`, standard input from the
 // null device, waits for it to end and gives its status, streams and peak
-// memory.
+// memory.  With a time limit above 0 a child still running after that many
+// seconds is killed, and the run says so.
 ChildRun run_child(const std::filesystem::path& folder, const std::string& program,
-                   const std::vector<std::string>& args, ChildStreams streams = ChildStreams::kOutputAndErrors);
+                   const std::vector<std::string>& args, ChildStreams streams = ChildStreams::kOutputAndErrors,
+                   double time_limit_seconds = 0.0);
 
 // A path that starts this very program again.  On Linux it is
 // /proc/self/exe, which still names the running binary when a rebuild has

@@ -340,6 +340,7 @@ int triangulate_sorted(Mesh& m, std::int32_t n, std::int32_t& triangle_count) {
   std::int32_t ledg = 0;
   make_first_fan(m, j, side, triangle_count, ltri, ledg);
   std::int32_t top = 0;
+  const std::int32_t maxst = dtris2_stack_capacity_for_tests > 0 ? dtris2_stack_capacity_for_tests : n;
 
   for (std::int32_t i = j + 1; i <= n; ++i) {
     const std::int32_t mp = m.sorted(i);
@@ -377,9 +378,9 @@ int triangulate_sorted(Mesh& m, std::int32_t n, std::int32_t& triangle_count) {
       m.neighbour(1, k) = t;
       m.neighbour(2, k) = k - 1;
       m.neighbour(3, k) = k + 1;
-      if (top >= n) {
+      if (top >= maxst) {
         print_fatal(screen, "DTRIS2", "  Ran out of stack space.");
-        screen << "  MAXST = " << format_integer(n, 6) << "\n  TOP =   " << format_integer(top, 6) << "\n";
+        screen << "  MAXST = " << format_integer(maxst, 6) << "\n  TOP =   " << format_integer(top, 6) << "\n";
         return 8;
       }
       top += 1;
@@ -392,7 +393,7 @@ int triangulate_sorted(Mesh& m, std::int32_t n, std::int32_t& triangle_count) {
 
     ltri = n1;
     ledg = 2;
-    const int ierror = SWAPEC(m, mp, top, n, ltri, ledg);
+    const int ierror = SWAPEC(m, mp, top, maxst, ltri, ledg);
     if (ierror != 0) {
       screen << " \nDTRIS2 - Fatal error!\n  SWAPEC returned IERROR = " << format_integer(ierror, 6) << "\n";
       return ierror;

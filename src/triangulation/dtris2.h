@@ -41,6 +41,11 @@ int DTRIS2(std::int32_t n, const double* points, std::int32_t* sort_index, std::
 int DTRIS2_reference(std::int32_t n, const double* points, std::int32_t* sort_index, std::int32_t& triangle_count,
                      std::int32_t* tri_vertex, std::int32_t* tri_neighbour, std::int32_t* stack, std::ostream& screen);
 
+// For the library's tests alone: when above 0, the capacity of DTRIS2's
+// stack in place of n, so that a test can fill it, which no set of n points
+// can.  The program never sets it.
+inline std::int32_t dtris2_stack_capacity_for_tests = 0;
+
 // Whether point a stands before point b in the tolerant lexicographic order.
 bool points_less(const double* a, const double* b);
 

@@ -186,6 +186,7 @@ void triangulate_points(RunState& state) {
           : DTRIS2(n, points, tt.sort_index.data(), tt.triangle_count, tt.tri_vertex.data(), tt.tri_neighbour.data(),
                    tt.stack.data(), screen, tt.dtris2);
   if (ierror != 0) fail(state, "Exit from subroutine DTRIS2: IERROR=" + int_to_text(ierror) + ".");
+  if (after_dtris2_for_tests != nullptr) after_dtris2_for_tests(state);
   if (first_pass) {
     screen << " - " << tt.triangle_count << " triangles generated\n";
     tt.first_triangle_count = tt.triangle_count;

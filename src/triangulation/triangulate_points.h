@@ -21,6 +21,12 @@ Circumcircle triangle_circumcentre(double x1, double y1, double x2, double y2, d
 // counts the internal triangles at each point.
 void triangulate_points(RunState& state);
 
+// For the library's tests alone: when set, it is called on the run state
+// between DTRIS2 and the measuring of the triangles, so that a test can put
+// the corners of a triangle where rounding collapses it, which no
+// triangulation of real points builds.  The program never sets it.
+inline void (*after_dtris2_for_tests)(RunState& state) = nullptr;
+
 // Lists the internal triangles of every mesh point, in ascending order.
 void build_connected_triangles(RunState& state);
 

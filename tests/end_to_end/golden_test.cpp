@@ -30,7 +30,6 @@ void expect_golden_run(const fs::path& inputs, const std::string& control, const
   ScratchDir dir;
   copy_folder(inputs, dir.path());
   RunResult result = run_binary(dir, {control});
-  EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.screen, read_file(golden / "screen.txt"));
   std::set<std::string> written = names_in(dir.path());
   for (const std::string& input : names_in(inputs)) written.erase(input);
@@ -49,6 +48,15 @@ TEST(Golden, SquareModel) {
 
 TEST(Golden, ModelWithEveryKindOfInput) {
   expect_golden_run(source_path("examples/full"), "model.in", source_path("tests/golden/full"));
+}
+
+// The bundled example: its screen is part of what README shows.
+TEST(Golden, CatchmentExample) {
+  expect_golden_run(source_path("examples/catchment"), "catchment.in", source_path("tests/golden/catchment"));
+}
+
+TEST(Golden, TwoHolesCrossingLinesAndWells) {
+  expect_golden_run(source_path("tests/models/two_holes"), "m.in", source_path("tests/golden/two_holes"));
 }
 
 // Counts the rows of the boundary cell table: one per ring point.
@@ -95,23 +103,30 @@ void check_grid(const std::string& disv, const std::string& boundary_table, doub
   EXPECT_NEAR(total, domain_area, 1e-9 * domain_area);
 }
 
+// Runs a model in `dir` and expects it to run to its last file.
+void run_model(const ScratchDir& dir, const std::string& model, const std::string& control, const std::string& last) {
+  copy_folder(source_path(model), dir.path());
+  const RunResult result = run_binary(dir, {control});
+  ASSERT_NE(result.screen.find(" - file " + last + " written ok.\n"), std::string::npos) << result.screen;
+}
+
+// What the program writes now is judged, not the reviewed copies.
 TEST(GridValidity, SquareModel) {
-  const fs::path golden = source_path("tests/golden/square");
-  check_grid(read_file(golden / "square.disv"), read_file(golden / "sq_boundary_cells.dat"), 10000.0);
+  ScratchDir dir;
+  run_model(dir, "tests/models/square", "square.in", "square.oc");
+  check_grid(dir.read("square.disv"), dir.read("sq_boundary_cells.dat"), 10000.0);
 }
 
 TEST(GridValidity, ModelWithEveryKindOfInput) {
-  const fs::path golden = source_path("tests/golden/full");
-  const double area = bln_ring_area(read_file(source_path("examples/full/outer.bln"))) -
-                      bln_ring_area(read_file(source_path("examples/full/pond.bln")));
-  check_grid(read_file(golden / "ev.disv"), read_file(golden / "ev_boundary_cells.dat"), area);
+  ScratchDir dir;
+  run_model(dir, "examples/full", "model.in", "ev.oc");
+  const double area = bln_ring_area(dir.read("outer.bln")) - bln_ring_area(dir.read("pond.bln"));
+  check_grid(dir.read("ev.disv"), dir.read("ev_boundary_cells.dat"), area);
 }
 
 TEST(GridValidity, TwoHolesCrossingLinesAndWells) {
   ScratchDir dir;
-  copy_folder(source_path("tests/models/two_holes"), dir.path());
-  RunResult result = run_binary(dir, {"m.in"});
-  ASSERT_NE(result.screen.find(" - file m.oc written ok.\n"), std::string::npos) << result.screen;
+  run_model(dir, "tests/models/two_holes", "m.in", "m.oc");
   const double area = bln_ring_area(dir.read("outer.bln")) - bln_ring_area(dir.read("hole1.bln")) -
                       bln_ring_area(dir.read("hole2.bln"));
   check_grid(dir.read("m.disv"), dir.read("m_boundary_cells.dat"), area);
@@ -120,13 +135,9 @@ TEST(GridValidity, TwoHolesCrossingLinesAndWells) {
 
 TEST(GridValidity, CatchmentExample) {
   ScratchDir dir;
-  copy_folder(source_path("examples/catchment"), dir.path());
-  RunResult result = run_binary(dir, {"catchment.in"});
-  ASSERT_NE(result.screen.find(" - file catchment.oc written ok.\n"), std::string::npos) << result.screen;
+  run_model(dir, "examples/catchment", "catchment.in", "catchment.oc");
   const double area = bln_ring_area(dir.read("divide.bln")) - bln_ring_area(dir.read("lake.bln"));
   check_grid(dir.read("catchment.disv"), dir.read("catchment_boundary_cells.dat"), area);
-  // The screen of the bundled example is part of what README shows.
-  EXPECT_EQ(result.screen, read_file(source_path("tests/golden/catchment_screen.txt")));
   expect_ready_for_modflow(dir.path(), "catchment.in");
 }
 
@@ -138,21 +149,22 @@ int mif_regions(const std::string& mif) {
   return regions;
 }
 
+// The map files of a fresh run open in GDAL's reader with one feature per
+// region.  CI installs the reader (Debian package gdal-bin), so that the
+// check is skipped only on a machine without it, and says so.
 TEST(MapFiles, OpenInAGisReader) {
   const std::optional<fs::path> ogrinfo = tesseramill::find_on_path("ogrinfo");
   if (!ogrinfo) {
-    GTEST_SKIP() << "ogrinfo (Debian package gdal-bin) is not installed: MIF files not opened";
+    GTEST_SKIP() << "SKIPPED: ogrinfo (Debian package gdal-bin) is not installed, so the MIF files were not "
+                    "opened in a GIS reader";
   }
-  const fs::path golden = source_path("tests/golden/full");
-  for (const char* name : {"ev_triangles_3.mif", "ev_polygons_3.mif"}) {
-    ScratchDir dir;
-    const std::string stem = fs::path(name).stem().string();
-    fs::copy_file(golden / name, dir.path() / name);
-    fs::copy_file(golden / (stem + ".mid"), dir.path() / (stem + ".mid"));
+  ScratchDir dir;
+  run_model(dir, "examples/full", "model.in", "ev.oc");
+  for (const char* name : {"ev_triangles_0.mif", "ev_polygons_0.mif", "ev_triangles_3.mif", "ev_polygons_3.mif"}) {
     const RunResult out = run_executable(dir.path(), ogrinfo->string(), {"-ro", "-al", "-so", name});
-    ASSERT_EQ(out.status, 0) << out.screen;
-    const int regions = mif_regions(read_file(golden / name));
-    EXPECT_NE(out.screen.find("Feature Count: " + std::to_string(regions)), std::string::npos) << out.screen;
+    const int regions = mif_regions(dir.read(name));
+    EXPECT_GT(regions, 100) << name;
+    EXPECT_NE(out.screen.find("Feature Count: " + std::to_string(regions) + "\n"), std::string::npos) << out.screen;
   }
 }
 
@@ -162,9 +174,10 @@ TEST(MapFiles, OpenInAGisReader) {
 namespace tesseramill_test {
 namespace {
 
-std::vector<std::string> golden_lines(const std::string& model, const std::string& name) {
+// The lines of a file that a fresh run of a model writes.
+std::vector<std::string> fresh_lines(const ScratchDir& dir, const std::string& name) {
   std::vector<std::string> lines;
-  std::istringstream in(read_file(source_path("tests/golden/" + model) / name));
+  std::istringstream in(dir.read(name));
   std::string line;
   while (std::getline(in, line)) lines.push_back(line);
   return lines;
@@ -175,7 +188,9 @@ bool has_line(const std::vector<std::string>& lines, const std::string& wanted) 
 }
 
 TEST(GoldenDetails, GridWithoutOriginAndWithoutHoles) {
-  const std::vector<std::string> disv = golden_lines("square", "square.disv");
+  ScratchDir dir;
+  run_model(dir, "tests/models/square", "square.in", "square.oc");
+  const std::vector<std::string> disv = fresh_lines(dir, "square.disv");
   EXPECT_EQ(disv[1], "  XORIGIN   0.000000000E+00");
   EXPECT_EQ(disv[2], "  YORIGIN   0.000000000E+00");
   // 20 ring points: 40 ring vertices, so the first triangle centre is 41.
@@ -184,7 +199,7 @@ TEST(GoldenDetails, GridWithoutOriginAndWithoutHoles) {
   EXPECT_EQ(at[1], "         1   0.000000000E+00   0.000000000E+00");
   EXPECT_EQ(at[2], "         2   1.000000000E+01   0.000000000E+00");
   EXPECT_EQ(at[41].substr(0, 10), "        41");
-  const std::vector<std::string> table = golden_lines("square", "sq_boundary_cells.dat");
+  const std::vector<std::string> table = fresh_lines(dir, "sq_boundary_cells.dat");
   EXPECT_EQ(table[0],
             "     ICPL     Centroid_x          Centroid_y          Cell_area           "
             "Length_in_cell      Accum_length        Boundary");
@@ -195,7 +210,9 @@ TEST(GoldenDetails, GridWithoutOriginAndWithoutHoles) {
 }
 
 TEST(GoldenDetails, GridWithOriginLayersAndInnerPoints) {
-  const std::vector<std::string> disv = golden_lines("full", "ev.disv");
+  ScratchDir dir;
+  run_model(dir, "examples/full", "model.in", "ev.oc");
+  const std::vector<std::string> disv = fresh_lines(dir, "ev.disv");
   EXPECT_EQ(disv[1], "  XORIGIN   0.100000000E+04");
   EXPECT_EQ(disv[2], "  YORIGIN   0.200000000E+04");
   EXPECT_TRUE(has_line(disv, "  NLAY 3"));
@@ -209,11 +226,11 @@ TEST(GoldenDetails, GridWithOriginLayersAndInnerPoints) {
   EXPECT_EQ(botm[2], "    CONSTANT -2.0000000E+01");
   EXPECT_EQ(botm[3], "    CONSTANT -3.0000000E+01");
   EXPECT_EQ(botm[4], " ");
-  EXPECT_EQ(golden_lines("full", "ev.ic"),
+  EXPECT_EQ(fresh_lines(dir, "ev.ic"),
             (std::vector<std::string>{"BEGIN OPTIONS", "END OPTIONS", " ", "BEGIN GRIDDATA", "  STRT LAYERED",
                                       "    CONSTANT 0.0", "    CONSTANT 0.0", "    CONSTANT 0.0",
                                       "END GRIDDATA"}));
-  const std::vector<std::string> table = golden_lines("full", "ev_boundary_cells.dat");
+  const std::vector<std::string> table = fresh_lines(dir, "ev_boundary_cells.dat");
   // Two inner points come first, so the outer ring's first row is cell 3.
   EXPECT_EQ(table[1].substr(0, 10), "         3");
   EXPECT_EQ(table[1].substr(94), " 0.000000000E+00outer_boundary");

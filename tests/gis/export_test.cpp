@@ -50,7 +50,7 @@ TEST(Export, WithoutTheBoundaryCellTableItSaysWhatToRun) {
   ScratchDir dir;
   const fs::path model = finished_run(dir);
   fs::remove(model / "model_boundary_cells.dat");
-  const RunResult exported = run_executable(model, TESSERAMILL_GIS_BINARY, {"export", "model.in"});
+  const RunResult exported = run_executable(model, TESSERAMILL_GIS_BINARY, {"export", "model.in"}, {.status = 1});
   EXPECT_EQ(exported.status, 1);
   const std::string expected =
       failure_text("Cannot open file model_boundary_cells.dat. It is the boundary cell table that the command "
@@ -68,7 +68,7 @@ TEST(Export, BeforeTheRunItSaysWhatToRun) {
                      "250"})
                 .status,
             0);
-  const RunResult exported = run_executable(model, TESSERAMILL_GIS_BINARY, {"export", "model.in"});
+  const RunResult exported = run_executable(model, TESSERAMILL_GIS_BINARY, {"export", "model.in"}, {.status = 1});
   EXPECT_EQ(exported.status, 1);
   const std::string expected =
       failure_text("Cannot open file model.disv. It is the MODFLOW 6 grid that the command \"tesseramill model.in\" "

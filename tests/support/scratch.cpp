@@ -56,31 +56,80 @@ std::string lf_line_ends(const std::string& screen) {
   return text;
 }
 
-RunResult run_binary(const ScratchDir& dir, const std::vector<std::string>& args) {
-  return run_executable(dir.path(), TESSERAMILL_BINARY, args);
+namespace {
+
+// The first line of every report that the address, leak, undefined-behaviour,
+// memory and thread sanitizers write on the error stream.
+constexpr const char* kSanitizerReports[] = {
+    "ERROR: AddressSanitizer",     "ERROR: LeakSanitizer", "runtime error:",
+    "ERROR: MemorySanitizer",      "WARNING: MemorySanitizer", "WARNING: ThreadSanitizer",
+    "ERROR: UndefinedBehaviorSanitizer", "SUMMARY: AddressSanitizer", "SUMMARY: UndefinedBehaviorSanitizer",
+};
+
+std::string command_text(const std::string& executable, const std::vector<std::string>& args) {
+  std::string text = executable;
+  for (const std::string& arg : args) text += " \"" + arg + "\"";
+  return text;
 }
 
-RunResult run_report_binary(const ScratchDir& dir, const std::vector<std::string>& args) {
-  return run_executable(dir.path(), TESSERAMILL_REPORT_BINARY, args);
+}  // namespace
+
+std::string child_end_fault(const tesseramill::ChildRun& child, const ExpectedEnd& expected) {
+  std::string fault;
+  if (child.timed_out) {
+    fault += "it ran past its time limit of " + std::to_string(expected.time_limit_seconds) + " s and was killed; ";
+  } else if (child.signal != 0) {
+    fault += "it was ended by signal " + std::to_string(child.signal) + "; ";
+  } else if (child.status != expected.status) {
+    fault += "it ended with status " + std::to_string(child.status) + " where " + std::to_string(expected.status) +
+             " was expected; ";
+  }
+  for (const char* report : kSanitizerReports) {
+    const std::size_t at = child.output.find(report);
+    if (at == std::string::npos) continue;
+    const std::size_t line_start = child.output.rfind('\n', at);
+    const std::size_t from = line_start == std::string::npos ? 0 : line_start + 1;
+    fault += "a sanitizer reported: " + child.output.substr(from, child.output.find('\n', at) - from) + "; ";
+    break;
+  }
+  return fault;
 }
 
-RunResult run_executable(const fs::path& dir, const std::string& executable, const std::vector<std::string>& args) {
-  return run_measured(dir, executable, args).result;
+RunResult run_binary(const ScratchDir& dir, const std::vector<std::string>& args, const ExpectedEnd& expected) {
+  return run_executable(dir.path(), TESSERAMILL_BINARY, args, expected);
 }
 
-MeasuredRun run_measured(const fs::path& dir, const std::string& executable, const std::vector<std::string>& args) {
-  const tesseramill::ChildRun child = tesseramill::run_child(dir, executable, args);
+RunResult run_report_binary(const ScratchDir& dir, const std::vector<std::string>& args,
+                            const ExpectedEnd& expected) {
+  return run_executable(dir.path(), TESSERAMILL_REPORT_BINARY, args, expected);
+}
+
+RunResult run_executable(const fs::path& dir, const std::string& executable, const std::vector<std::string>& args,
+                         const ExpectedEnd& expected) {
+  return run_measured(dir, executable, args, expected).result;
+}
+
+MeasuredRun run_measured(const fs::path& dir, const std::string& executable, const std::vector<std::string>& args,
+                         const ExpectedEnd& expected) {
+  const tesseramill::ChildRun child = tesseramill::run_child(
+      dir, executable, args, tesseramill::ChildStreams::kOutputAndErrors, expected.time_limit_seconds);
   MeasuredRun run;
   run.result.raw_screen = child.output;
   run.result.screen = lf_line_ends(child.output);
   run.result.status = child.status;
   run.peak_kib = child.peak_kib;
+  const std::string fault = child_end_fault(child, expected);
+  if (!fault.empty()) {
+    ADD_FAILURE() << command_text(executable, args) << " did not end as it should: " << fault
+                  << "the end of its screen:\n"
+                  << screen_tail(run.result.screen, 3000);
+  }
   return run;
 }
 
 MeasuredRun run_measured(const ScratchDir& dir, const std::string& executable,
-                         const std::vector<std::string>& args) {
-  return run_measured(dir.path(), executable, args);
+                         const std::vector<std::string>& args, const ExpectedEnd& expected) {
+  return run_measured(dir.path(), executable, args, expected);
 }
 
 RunResult run_on_control(const std::string& control) {

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "common/platform.h"
+
 namespace tesseramill_test {
 
 // A fresh, empty folder that is removed again with everything in it.
@@ -37,12 +39,36 @@ struct RunResult {
 // turned into LF, the only way screens differ between platforms.
 std::string lf_line_ends(const std::string& screen);
 
-// Runs the tesseramill executable in `dir` with the given arguments.
-RunResult run_binary(const ScratchDir& dir, const std::vector<std::string>& args);
+// How a started program must end for its test to pass: with this exit
+// status, by exiting (not by a signal), within the time limit, and with no
+// sanitizer report on its screen.  The mesher and the report end with status
+// 0 whatever happens in the run (success or failure text); tesseramill-gis
+// ends with 1 when it stops on a failure.
+struct ExpectedEnd {
+  int status = 0;
+  // Seconds the run may take before it is killed and the test fails.  The
+  // default is generous, about 100 times what the slowest program run of
+  // the suite takes on an idle machine, so that a busy shared machine or a
+  // sanitizer build (up to ten times slower) never trips it, while a hang
+  // still ends the test within minutes rather than stalling the suite.
+  double time_limit_seconds = 300.0;
+};
+
+// What is wrong with the way a child ended, measured against `expected`;
+// empty when nothing is.  Names the signal, the status, the time limit or
+// the sanitizer's report line.
+std::string child_end_fault(const tesseramill::ChildRun& child, const ExpectedEnd& expected);
+
+// Runs the tesseramill executable in `dir` with the given arguments.  Every
+// helper below that starts a program fails the calling test (non-fatally,
+// with the command and the end of its screen) when the program does not end
+// as `expected`.
+RunResult run_binary(const ScratchDir& dir, const std::vector<std::string>& args, const ExpectedEnd& expected = {});
 // The same with the report program.
-RunResult run_report_binary(const ScratchDir& dir, const std::vector<std::string>& args);
+RunResult run_report_binary(const ScratchDir& dir, const std::vector<std::string>& args,
+                            const ExpectedEnd& expected = {});
 RunResult run_executable(const std::filesystem::path& dir, const std::string& executable,
-                         const std::vector<std::string>& args);
+                         const std::vector<std::string>& args, const ExpectedEnd& expected = {});
 
 // Runs the report program in `dir` on the control file of a finished run
 // there and expects every MODFLOW 6 readiness check of the grid to pass.
@@ -55,9 +81,9 @@ struct MeasuredRun {
   long peak_kib = 0;
 };
 MeasuredRun run_measured(const ScratchDir& dir, const std::string& executable,
-                         const std::vector<std::string>& args);
+                         const std::vector<std::string>& args, const ExpectedEnd& expected = {});
 MeasuredRun run_measured(const std::filesystem::path& dir, const std::string& executable,
-                         const std::vector<std::string>& args);
+                         const std::vector<std::string>& args, const ExpectedEnd& expected = {});
 
 // Writes `control` as t.in into a new scratch folder and runs the program on it.
 RunResult run_on_control(const std::string& control);

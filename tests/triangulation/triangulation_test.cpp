@@ -359,20 +359,62 @@ TEST(Dtris2, FastRoutineAgreesOnCollinearSetsAndTinyCoordinates) {
   triangulate({5, 0, 5, 3, 5, 1, 5, 2, 6, 1});
 }
 
+// 400 distinct points of a 41 by 41 lattice, half of them shifted half a
+// unit up: many share an x or a y, and many four lie on one circle, where
+// the order of insertion matters most.
+std::vector<double> distinct_lattice_points(tesseramill_test::Random& random) {
+  std::set<std::pair<double, double>> taken;
+  std::vector<double> points;
+  while (points.size() < 800) {
+    const double x = 1e6 + std::round(random.uniform(0, 40));
+    const double y = 2e6 + std::round(random.uniform(0, 40)) + 0.5 * static_cast<double>(taken.size() % 2);
+    if (!taken.insert({x, y}).second) continue;
+    points.push_back(x);
+    points.push_back(y);
+  }
+  return points;
+}
+
+void shuffle_points(std::vector<double>& points, tesseramill_test::Random& random) {
+  for (std::size_t k = points.size() / 2 - 1; k > 0; --k) {
+    const std::size_t j = static_cast<std::size_t>(random.uniform(0, static_cast<double>(k + 1)));
+    std::swap(points[2 * k], points[2 * j]);
+    std::swap(points[2 * k + 1], points[2 * j + 1]);
+  }
+}
+
+// Every shuffle is triangulated in full, so that triangulate() compares the
+// fast routine's tables with the literal one's each time; the number of
+// triangles does not depend on the order.
 TEST(Dtris2, FastRoutineAgreesWhateverTheOrderOfTheInput) {
   tesseramill_test::Random random(62);
-  std::vector<double> points;
-  for (int k = 0; k < 400; ++k) {
-    points.push_back(1e6 + std::round(random.uniform(0, 40)));
-    points.push_back(2e6 + std::round(random.uniform(0, 40)) + 0.5 * (k % 2));
-  }
+  std::vector<double> points = distinct_lattice_points(random);
+  std::int32_t first_count = 0;
   for (int shuffle = 0; shuffle < 5; ++shuffle) {
-    for (std::size_t k = points.size() / 2 - 1; k > 0; --k) {
-      const std::size_t j = static_cast<std::size_t>(random.uniform(0, static_cast<double>(k + 1)));
-      std::swap(points[2 * k], points[2 * j]);
-      std::swap(points[2 * k + 1], points[2 * j + 1]);
-    }
-    triangulate(points);
+    shuffle_points(points, random);
+    SCOPED_TRACE("shuffle " + std::to_string(shuffle));
+    const Triangulation tr = triangulate(points);
+    ASSERT_EQ(tr.ierror, 0) << tr.screen;
+    EXPECT_EQ(tr.screen, "");
+    if (shuffle == 0) first_count = tr.count;
+    EXPECT_GT(tr.count, 700);
+    EXPECT_EQ(tr.count, first_count);
+  }
+}
+
+// The same points with one of them twice stop both routines at the
+// duplicate, with the same code and text, in every order.
+TEST(Dtris2, DuplicatePointStopsBothRoutinesWhateverTheOrder) {
+  tesseramill_test::Random random(62);
+  std::vector<double> points = distinct_lattice_points(random);
+  points.push_back(points[10]);
+  points.push_back(points[11]);
+  for (int shuffle = 0; shuffle < 5; ++shuffle) {
+    shuffle_points(points, random);
+    SCOPED_TRACE("shuffle " + std::to_string(shuffle));
+    const Triangulation tr = triangulate(points);
+    EXPECT_EQ(tr.ierror, 224);
+    EXPECT_EQ(tr.screen, " \nDTRIS2 - Fatal error!\n  Consecutive points are too close.\n");
   }
 }
 
