@@ -5,10 +5,12 @@
 //
 //   tesseramill-bench                 the whole table
 //   tesseramill-bench --sizes 1e3,1e4 only these family sizes, and the outline
-//                                     model only when the list names it
+//                                     model and the GIS-like sizes (gis500,
+//                                     gis2000, gis8000, any gisN) only when
+//                                     the list names them
 //   tesseramill-bench --binary PATH   also time another build of the program
 //                                     on each model (whole run only)
-//   tesseramill-bench --write SIZE|outline DIR [MAX_LLOYD]
+//   tesseramill-bench --write SIZE|outline|gisN DIR [MAX_LLOYD]
 //                                     write one model of the family and stop
 //   tesseramill-bench --triangulation SIZE
 //                                     time one DTRIS2 of the cell centres of
@@ -264,14 +266,49 @@ void print_head(bool with_binary) {
   std::cout << "\n";
 }
 
+// The GIS-like family (tesseramill_bench::gis_model): one row per size of
+// the divide, with the same phases as the table above and the cost per cell
+// of interior emplacement and of the whole run, in microseconds.
+void run_gis_family(const std::vector<int>& sizes, const fs::path& scratch) {
+  if (sizes.empty()) return;
+  std::cout << "\nGIS-like family: a divide of N vertices with 150 m asked at each, a river of N/2 vertices\n"
+               "with 60 m, cap 400 m, growth 1.25, MAX_LLOYD 3.  us/cell: interior emplacement and whole run.\n\n"
+            << pad("model", 26) << pad("cells", 9) << pad("read", 7) << pad("bound", 7) << pad("inter", 8)
+            << pad("lloyd", 8) << pad("write", 7) << pad("total", 8) << pad("B/cell", 8) << pad("inter us", 10)
+            << pad("total us", 10) << "\n";
+  for (int n : sizes) {
+    const fs::path folder = scratch / "gis";
+    fs::remove_all(scratch);
+    tesseramill_bench::write_model(tesseramill_bench::gis_model(n), folder);
+    const Timing t = time_library(folder, false);
+    double total = 0.0;
+    for (double s : t.phase) total += s;
+    const double cells = t.cells > 0 ? static_cast<double>(t.cells) : 1.0;
+    std::cout << pad("gis " + std::to_string(n) + " vertices", 26) << pad(std::to_string(t.cells), 9)
+              << pad(fixed(t.phase[0] + t.phase[1] + t.phase[2], 2), 7) << pad(fixed(t.phase[3], 2), 7)
+              << pad(fixed(t.phase[4], 2), 8) << pad(fixed(t.phase[5], 2), 8)
+              << pad(fixed(t.phase[6] + t.phase[7], 2), 7) << pad(fixed(total, 2), 8)
+              << pad(t.cells > 0 ? std::to_string(t.peak_kib * 1024 / t.cells) : "-", 8)
+              << pad(fixed(t.phase[4] * 1e6 / cells, 1), 10) << pad(fixed(total * 1e6 / cells, 1), 10);
+    if (!t.ok) std::cout << "  (run did not finish: see " << (folder / "screen.txt").string() << ")";
+    std::cout << std::endl;
+    if (t.ok) fs::remove_all(scratch);
+  }
+}
+
+// A size of the GIS-like family as the command line names it ("gis2000"),
+// or 0 for any other word.
+int gis_size(const std::string& word) { return word.rfind("gis", 0) == 0 ? std::atoi(word.c_str() + 3) : 0; }
+
 }  // namespace
 
 int main(int argc, char** argv) {
   std::vector<std::string> args(argv + 1, argv + argc);
   if (!args.empty() && args[0] == "--run-one") return run_one(args.size() > 1 && args[1] == "--reference");
   if (!args.empty() && args[0] == "--write" && args.size() >= 3) {
-    ModelRecipe recipe =
-        args[1] == "outline" ? outline_model() : tesseramill_bench::family_model(std::atof(args[1].c_str()));
+    ModelRecipe recipe = args[1] == "outline"   ? outline_model()
+                         : gis_size(args[1]) > 0 ? tesseramill_bench::gis_model(gis_size(args[1]))
+                                                 : tesseramill_bench::family_model(std::atof(args[1].c_str()));
     if (args.size() > 3) recipe.max_lloyd = std::atoi(args[3].c_str());
     tesseramill_bench::write_model(recipe, args[2]);
     return 0;
@@ -282,6 +319,7 @@ int main(int argc, char** argv) {
   }
   std::vector<double> sizes = {1e3, 1e4, 3e4, 1e5, 1e6};
   bool with_outline = true;
+  std::vector<int> gis_sizes = {500, 2000, 8000};
   std::string other_binary;
   for (std::size_t k = 0; k < args.size(); ++k) {
     if (args[k] == "--sizes" && k + 1 < args.size()) {
@@ -289,9 +327,12 @@ int main(int argc, char** argv) {
       std::stringstream list(args[++k]);
       std::string item;
       with_outline = false;
+      gis_sizes.clear();
       while (std::getline(list, item, ',')) {
         if (item == "outline") {
           with_outline = true;
+        } else if (gis_size(item) > 0) {
+          gis_sizes.push_back(gis_size(item));
         } else {
           sizes.push_back(std::atof(item.c_str()));
         }
@@ -343,5 +384,6 @@ int main(int argc, char** argv) {
     std::cout << std::endl;
     if (t.ok) fs::remove_all(scratch);
   }
+  run_gis_family(gis_sizes, scratch);
   return 0;
 }

@@ -75,6 +75,137 @@ void write_bln(const std::filesystem::path& path, const std::vector<Point>& poin
   }
 }
 
+// The CONTROL block of a model: the cap, the growth rate and MAX_CELLS, and
+// the keywords the recipe sets.
+void write_control_block(std::ostream& control, const ModelRecipe& recipe, double largest, int max_cells) {
+  control << "START CONTROL\n"
+          << "  MAX_CENTROID_SEPARATION = " << number(largest) << "\n"
+          << "  POLY_GROWTH_RATE = " << recipe.growth << "\n"
+          << "  OUT_FILE_BASE = model\n"
+          << "  MAX_CELLS = " << max_cells << "\n";
+  if (recipe.max_lloyd >= 0) control << "  MAX_LLOYD = " << recipe.max_lloyd << "\n";
+  if (recipe.nsdim > 0) control << "  NSDIM = " << recipe.nsdim << "\n";
+  if (recipe.safety >= 0) control << "  SAFETY = " << recipe.safety << "\n";
+  if (recipe.lloyd_fac > 0) control << "  LLOYD_FAC = " << recipe.lloyd_fac << "\n";
+  control << "END CONTROL\n";
+}
+
+// sin and cos from additions, multiplications and divisions alone, in a
+// fixed order, so that the GIS-like model's files are the same bytes on
+// every machine: the system's sin and cos differ in the last bits from one
+// library to the next.  The angle is brought to [-pi/4, pi/4] by quarter
+// turns and the Taylor series taken to the term of degree 18 (below 3e-17
+// there).  A few ulps from the true values for the angles used here, which
+// is all a generator of shapes needs.
+void steady_sin_cos(double theta, double& sine, double& cosine) {
+  const double quarters = std::nearbyint(theta * (2.0 / kPi));
+  const double r = theta - quarters * (kPi / 2.0);
+  const double r2 = r * r;
+  double s = 1.0;
+  double c = 1.0;
+  for (int n = 17; n >= 3; n -= 2) s = 1.0 - s * r2 / ((n - 1) * n);
+  s *= r;
+  for (int n = 18; n >= 2; n -= 2) c = 1.0 - c * r2 / ((n - 1) * n);
+  switch (static_cast<long long>(quarters) & 3) {
+    case 0: sine = s; cosine = c; break;
+    case 1: sine = c; cosine = -s; break;
+    case 2: sine = -s; cosine = -c; break;
+    default: sine = -c; cosine = s; break;
+  }
+}
+
+double steady_sin(double theta) {
+  double s = 0.0;
+  double c = 0.0;
+  steady_sin_cos(theta, s, c);
+  return s;
+}
+
+struct Harmonic {
+  int k;
+  double amplitude;
+  double phase;
+};
+
+// Waves of every wavenumber from `first` to `last`, their amplitudes falling
+// as 1/k and adding up to `total`, as the wiggles of a digitised line do.
+void add_wiggles(std::vector<Harmonic>& waves, Random& random, int first, int last, double total) {
+  double weight = 0.0;
+  for (int k = first; k <= last; ++k) weight += 1.0 / k;
+  for (int k = first; k <= last; ++k) waves.push_back({k, total / (k * weight), random.uniform(0, 2 * kPi)});
+}
+
+double wave_sum(const std::vector<Harmonic>& waves, double theta) {
+  double sum = 0.0;
+  for (const Harmonic& w : waves) sum += w.amplitude * steady_sin(w.k * theta + w.phase);
+  return sum;
+}
+
+// The GIS-like model's constants: spacings asked at the vertices, the cap
+// and growth, and the divide's mean radius at 2,000 vertices.
+constexpr double kGisDivideSeparation = 150.0;
+constexpr double kGisRiverSeparation = 60.0;
+constexpr double kGisMaxSeparation = 400.0;
+constexpr double kGisGrowth = 1.25;
+constexpr double kGisRadiusAt2000 = 32000.0;
+
+std::string write_gis_model(const ModelRecipe& recipe, const std::filesystem::path& folder) {
+  Random random(recipe.seed * 0x2545F4914F6CDD1DULL + 777);
+  const int n = std::max(16, recipe.gis_divide_vertices);
+  const double cx = 512000.0;
+  const double cy = 6234000.0;
+  // The area, and so the number of cells, grows with the vertices.
+  const double R = kGisRadiusAt2000 * std::sqrt(n / 2000.0);
+
+  // The divide: star-shaped round the centre, vertices at rising angles, so
+  // that it is simple whatever its wiggles; the radius never falls below
+  // 0.63 R, as the amplitudes add up to 0.37.
+  std::vector<Harmonic> waves = {{2, 0.12, random.uniform(0, 2 * kPi)},
+                                 {3, 0.08, random.uniform(0, 2 * kPi)},
+                                 {5, 0.05, random.uniform(0, 2 * kPi)}};
+  add_wiggles(waves, random, 7, std::max(7, n / 4), 0.12);
+  std::vector<Point> divide;
+  for (int i = 0; i < n; ++i) {
+    const double theta = 2 * kPi * i / n;
+    const double r = R * (1.0 + wave_sum(waves, theta));
+    double s = 0.0;
+    double c = 0.0;
+    steady_sin_cos(theta, s, c);
+    divide.push_back({cx + r * c, cy + r * s});
+  }
+  divide.push_back(divide.front());
+  write_bln(folder / "divide.bln", divide, kGisDivideSeparation);
+
+  // The river: half as many vertices, meandering across the middle of the
+  // catchment as a graph over its straight course, so that it never crosses
+  // itself; it stays within 0.61 R of the centre, inside the divide.
+  const Point from{cx - 0.5 * R, cy - 0.12 * R};
+  const Point to{cx + 0.45 * R, cy + 0.18 * R};
+  const double dx = to.x - from.x;
+  const double dy = to.y - from.y;
+  const double length = tesseramill::cr_hypot(dx, dy);
+  std::vector<Harmonic> meanders = {{3, 0.05, random.uniform(0, 2 * kPi)},
+                                    {7, 0.025, random.uniform(0, 2 * kPi)},
+                                    {17, 0.012, random.uniform(0, 2 * kPi)}};
+  const int m = std::max(8, n / 2);
+  add_wiggles(meanders, random, 20, std::max(20, m / 8), 0.01);
+  std::vector<Point> river;
+  for (int i = 0; i < m; ++i) {
+    const double t = static_cast<double>(i) / (m - 1);
+    const double bend = R * wave_sum(meanders, 2 * kPi * t);
+    river.push_back({from.x + t * dx - bend * dy / length, from.y + t * dy + bend * dx / length});
+  }
+  write_bln(folder / "river.bln", river, kGisRiverSeparation);
+
+  const int max_cells = recipe.max_cells > 0 ? recipe.max_cells : 100 * n + 20000;
+  std::ofstream control(folder / "model.in", std::ios::binary);
+  write_control_block(control, recipe, kGisMaxSeparation, max_cells);
+  control << "\nSTART OUTER_BOUNDARY\n  BLN_FILE = divide.bln\nEND OUTER_BOUNDARY\n"
+          << "\nSTART INNER_LINE\n  NUMLINES = 1\n  BLN_FILE = river.bln\nEND INNER_LINE\n"
+          << "\nSTART MF6\n  MF6_BASENAME = model\n  NLAY = 2\nEND MF6\n";
+  return "model.in";
+}
+
 }  // namespace
 
 double expected_cells(const ModelRecipe& recipe) {
@@ -107,8 +238,17 @@ ModelRecipe family_model(double cells) {
   return recipe;
 }
 
+ModelRecipe gis_model(int divide_vertices) {
+  ModelRecipe recipe;
+  recipe.gis_divide_vertices = divide_vertices;
+  recipe.growth = kGisGrowth;
+  recipe.max_lloyd = 3;
+  return recipe;
+}
+
 std::string write_model(const ModelRecipe& recipe, const std::filesystem::path& folder) {
   std::filesystem::create_directories(folder);
+  if (recipe.gis_divide_vertices > 0) return write_gis_model(recipe, folder);
   Random random(recipe.seed * 0x2545F4914F6CDD1DULL + 12345);
   const double cx = 512000.0;
   const double cy = 6234000.0;
@@ -185,16 +325,8 @@ std::string write_model(const ModelRecipe& recipe, const std::filesystem::path& 
   const int max_cells = recipe.max_cells > 0 ? recipe.max_cells
                                            : static_cast<int>(std::max(5000.0, 3.0 * expected_cells(recipe)));
   std::ofstream control(folder / "model.in", std::ios::binary);
-  control << "START CONTROL\n"
-          << "  MAX_CENTROID_SEPARATION = " << number(largest) << "\n"
-          << "  POLY_GROWTH_RATE = " << recipe.growth << "\n"
-          << "  OUT_FILE_BASE = model\n"
-          << "  MAX_CELLS = " << max_cells << "\n";
-  if (recipe.max_lloyd >= 0) control << "  MAX_LLOYD = " << recipe.max_lloyd << "\n";
-  if (recipe.nsdim > 0) control << "  NSDIM = " << recipe.nsdim << "\n";
-  if (recipe.safety >= 0) control << "  SAFETY = " << recipe.safety << "\n";
-  if (recipe.lloyd_fac > 0) control << "  LLOYD_FAC = " << recipe.lloyd_fac << "\n";
-  control << "END CONTROL\n\nSTART OUTER_BOUNDARY\n  BLN_FILE = outer.bln\nEND OUTER_BOUNDARY\n";
+  write_control_block(control, recipe, largest, max_cells);
+  control << "\nSTART OUTER_BOUNDARY\n  BLN_FILE = outer.bln\nEND OUTER_BOUNDARY\n";
   if (recipe.lake) control << "\nSTART INNER_BOUNDARY\n  BLN_FILE = lake.bln\nEND INNER_BOUNDARY\n";
   if (recipe.river) control << "\nSTART INNER_LINE\n  NUMLINES = 1\n  BLN_FILE = river.bln\nEND INNER_LINE\n";
   if (recipe.wells > 0) control << "\nSTART INNER_POINTS\n  BLN_FILE = wells.bln\nEND INNER_POINTS\n";

@@ -50,6 +50,9 @@ struct ModelRecipe {
   int safety = -1;              // SAFETY, or the default when negative
   double lloyd_fac = -1.0;      // LLOYD_FAC, or the default when negative
   int max_cells = 0;            // MAX_CELLS, or a generous value from the scale when 0
+  // When above 0, the model is the GIS-like one instead (gis_model): a
+  // digitised catchment divide of this many vertices and a long river.
+  int gis_divide_vertices = 0;
 };
 
 // Writes model.in and its BLN files into `folder`; gives the control file's name.
@@ -63,5 +66,13 @@ double expected_cells(const ModelRecipe& recipe);
 // milder refinement and fewer wells for the small ones, whose cells would
 // otherwise all go to the levels of growth round the features.
 ModelRecipe family_model(double cells);
+
+// The GIS-like model with a divide of `divide_vertices` vertices: the
+// outline as a modeller digitises it, wiggling at every scale down to a few
+// vertices, with 150 m asked at each vertex; a meandering river of half as
+// many vertices with 60 m asked at each; MAX_CENTROID_SEPARATION 400 m,
+// POLY_GROWTH_RATE 1.25, MAX_LLOYD 3.  The domain's area grows with the
+// number of vertices, so that the cells do too (about 29 per divide vertex).
+ModelRecipe gis_model(int divide_vertices);
 
 }  // namespace tesseramill_bench

@@ -18,6 +18,10 @@ struct FastEmplacement {
   MeshPointIndex mesh_index;
   SegmentIndex segments;
   FieldBounds field;
+  // The grid cut into tiles of kTileSide x kTileSide candidates, each with
+  // the field's sources that matter in it, kept when first needed.
+  std::vector<TileSources> tiles;
+  std::vector<std::uint8_t> tile_kept;
   // The near list in ascending order, and its points sorted by x.
   std::vector<std::int32_t> near;
   std::vector<std::int32_t> near_number;

@@ -70,6 +70,26 @@ double upper_size(const Growth& g, double d, double s) {
   return size * (1.0 + kRelative) + kAbsolute;
 }
 
+// Keeps, in their order, the sources whose lower bound is below `upper`,
+// their lowers with them; gives how many.
+std::size_t keep_below(double upper, std::vector<double>& lowers, std::vector<double>& xs, std::vector<double>& ys,
+                       std::vector<double>& separations) {
+  std::size_t kept = 0;
+  for (std::size_t k = 0; k < lowers.size(); ++k) {
+    if (lowers[k] >= upper) continue;
+    lowers[kept] = lowers[k];
+    xs[kept] = xs[k];
+    ys[kept] = ys[k];
+    separations[kept] = separations[k];
+    ++kept;
+  }
+  lowers.resize(kept);
+  xs.resize(kept);
+  ys.resize(kept);
+  separations.resize(kept);
+  return kept;
+}
+
 // The caps of MAX_CENTROID_SEPARATION and of the inner polygons holding (x, y).
 double cap_at(const RunState& state, double x, double y) {
   double cap = state.control.max_centroid_separation;
@@ -110,6 +130,7 @@ void bound_field(const RunState& state, double xlo, double xhi, double ylo, doub
     }
   }
   b.cap = cap_hi;
+  b.cap_lo = cap_lo;
 
   // Sources ring by ring of cells outward from the rectangle, until no
   // source farther out can ask for less than the smallest upper bound found:
@@ -169,19 +190,9 @@ void bound_field(const RunState& state, double xlo, double xhi, double ylo, doub
   }
   // Keep the sources whose lower bound is below the final smallest upper
   // bound; the others ask for at least the field everywhere in the rectangle.
-  std::size_t kept = 0;
+  const std::size_t kept = keep_below(upper, lowers, b.xs, b.ys, b.separations);
   double lowest = cap_lo;
-  for (std::size_t k = 0; k < lowers.size(); ++k) {
-    if (lowers[k] >= upper) continue;
-    lowest = std::min(lowest, lowers[k]);
-    b.xs[kept] = b.xs[k];
-    b.ys[kept] = b.ys[k];
-    b.separations[kept] = b.separations[k];
-    ++kept;
-  }
-  b.xs.resize(kept);
-  b.ys.resize(kept);
-  b.separations.resize(kept);
+  for (std::size_t k = 0; k < kept; ++k) lowest = std::min(lowest, lowers[k]);
   b.lo = lowest;
   b.hi = upper;
   // No source asks for less than the caps anywhere, and the caps are one
@@ -191,19 +202,88 @@ void bound_field(const RunState& state, double xlo, double xhi, double ylo, doub
   b.usable = true;
 }
 
-void bound_field_at(const RunState& state, const FieldBounds& b, double x, double y, double& lo, double& hi) {
+namespace {
+
+void bound_from_sources(const RunState& state, const FieldBounds& b, const std::vector<double>& xs,
+                        const std::vector<double>& ys, const std::vector<double>& separations, double x, double y,
+                        double& lo, double& hi) {
   Growth g;
   growth_for(state.control.poly_growth_rate, g);
   const double cap = b.caps_vary ? cap_at(state, x, y) : b.cap;
   lo = cap;
   hi = cap;
-  for (std::size_t k = 0; k < b.xs.size(); ++k) {
-    const double dx = x - b.xs[k];
-    const double dy = y - b.ys[k];
+  for (std::size_t k = 0; k < xs.size(); ++k) {
+    const double dx = x - xs[k];
+    const double dy = y - ys[k];
     const double d = std::sqrt(dx * dx + dy * dy);
-    lo = std::min(lo, lower_size(g, d, b.separations[k]));
-    hi = std::min(hi, upper_size(g, d, b.separations[k]));
+    lo = std::min(lo, lower_size(g, d, separations[k]));
+    hi = std::min(hi, upper_size(g, d, separations[k]));
   }
+}
+
+}  // namespace
+
+void bound_field_at(const RunState& state, const FieldBounds& b, double x, double y, double& lo, double& hi) {
+  bound_from_sources(state, b, b.xs, b.ys, b.separations, x, y, lo, hi);
+}
+
+// Why a tile's bounds are the very bits of the rectangle's.  At a point P of
+// the tile bound_field_at takes lo(P) = min(cap(P), lower_k(P)) and hi(P) =
+// min(cap(P), upper_k(P)) over the rectangle's sources k.  Every step of the
+// distance (a difference, its square, a sum, a square root) and of
+// lower_size and upper_size is a correctly rounded operation that never
+// falls when its operand rises, so
+//   lower_k(P) >= lower_k(tile), from the tile's nearest point to k, and
+//   upper_k(P) <= upper_k(far),  from the tile's farthest corner from k,
+// as the rounded distances from P lie between those two rounded distances.
+// The caps at P are at most `cap`, the caps that hold over the whole
+// rectangle.  Let U be the smallest of `cap` and of upper_k(far) over the
+// sources kept: then hi(P) <= U.  A source left out has lower_k(tile) >= U
+// (U only falls while the sources are visited, so a source left out at any
+// moment stays so), hence lower_k(P) >= U >= hi(P) >= lo(P), and its upper
+// at P is no lower: min() over the kept sources alone gives the same lo(P)
+// and hi(P), bit for bit.  The test costs one pass over the rectangle's
+// sources per tile, instead of one per point.
+void keep_tile_sources(const RunState& state, const FieldBounds& b, double xlo, double xhi, double ylo, double yhi,
+                       TileSources& tile) {
+  tile.xs.clear();
+  tile.ys.clear();
+  tile.separations.clear();
+  Growth g;
+  growth_for(state.control.poly_growth_rate, g);
+  double upper = b.cap;
+  // The lowers of the sources kept so far, for the last sweep below.
+  thread_local std::vector<double> lowers;
+  lowers.clear();
+  for (std::size_t k = 0; k < b.xs.size(); ++k) {
+    const double sx = b.xs[k];
+    const double sy = b.ys[k];
+    const double s = b.separations[k];
+    const double ex = std::max({xlo - sx, 0.0, sx - xhi});
+    const double ey = std::max({ylo - sy, 0.0, sy - yhi});
+    const double lower = lower_size(g, std::sqrt(ex * ex + ey * ey), s);
+    if (lower >= upper) continue;
+    const double fx = std::max(std::fabs(sx - xlo), std::fabs(sx - xhi));
+    const double fy = std::max(std::fabs(sy - ylo), std::fabs(sy - yhi));
+    upper = std::min(upper, upper_size(g, std::sqrt(fx * fx + fy * fy), s));
+    tile.xs.push_back(sx);
+    tile.ys.push_back(sy);
+    tile.separations.push_back(s);
+    lowers.push_back(lower);
+  }
+  // The field over the tile: at most U, as above; at least the smallest of
+  // the caps and of the lowers of the sources kept, since those left out
+  // ask for at least U at every point.
+  const std::size_t kept = keep_below(upper, lowers, tile.xs, tile.ys, tile.separations);
+  double lowest = b.caps_vary ? b.cap_lo : b.cap;
+  for (std::size_t k = 0; k < kept; ++k) lowest = std::min(lowest, lowers[k]);
+  tile.lo = lowest;
+  tile.hi = upper;
+}
+
+void bound_tile_at(const RunState& state, const FieldBounds& b, const TileSources& tile, double x, double y,
+                   double& lo, double& hi) {
+  bound_from_sources(state, b, tile.xs, tile.ys, tile.separations, x, y, lo, hi);
 }
 
 }  // namespace tesseramill

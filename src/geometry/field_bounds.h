@@ -22,6 +22,8 @@ struct FieldBounds {
   // point by point.  Otherwise `cap` holds the caps' value everywhere.
   bool caps_vary = false;
   double cap = 0.0;
+  // The caps at every point of the rectangle are at least this.
+  double cap_lo = 0.0;
   // The sources that can give the smallest size somewhere in the rectangle;
   // every other source asks for more than the field is anywhere there.
   std::vector<double> xs;
@@ -34,5 +36,27 @@ void bound_field(const RunState& state, double xlo, double xhi, double ylo, doub
 
 // Bounds the field at (x, y), which lies in the rectangle of `bounds`.
 void bound_field_at(const RunState& state, const FieldBounds& bounds, double x, double y, double& lo, double& hi);
+
+// The sources of a tile: a smaller rectangle inside that of `bounds`.
+struct TileSources {
+  // local_separation at every point of the tile lies in [lo, hi].
+  double lo = 0.0;
+  double hi = 0.0;
+  std::vector<double> xs;
+  std::vector<double> ys;
+  std::vector<double> separations;
+};
+
+// Keeps of the sources of `bounds` those that can give the smallest size
+// somewhere in [xlo, xhi] x [ylo, yhi], which lies in the rectangle of
+// `bounds`: bound_tile_at then gives the very bits of bound_field_at at
+// every point of the tile, from fewer sources.  Also bounds the field over
+// the tile.
+void keep_tile_sources(const RunState& state, const FieldBounds& bounds, double xlo, double xhi, double ylo, double yhi,
+                       TileSources& tile);
+
+// bound_field_at at (x, y), a point of the tile that `tile` was kept for.
+void bound_tile_at(const RunState& state, const FieldBounds& bounds, const TileSources& tile, double x, double y,
+                   double& lo, double& hi);
 
 }  // namespace tesseramill

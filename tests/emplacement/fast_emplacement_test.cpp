@@ -114,6 +114,16 @@ TEST(FastEmplacement, ChoosesAsTheLiteralStepsInsideAnOutlineOfThousandsOfVertic
   expect_same_proposals(recipe, 3000, 15);
 }
 
+// The GIS-like model: a digitised divide wiggling at every scale, whose
+// ring seeds lie on its edges, and a river of short segments; the grid is
+// kept small so that the literal steps, which visit every source for each
+// candidate, stay quick.
+TEST(FastEmplacement, ChoosesAsTheLiteralStepsAlongADigitisedDivideAndARiver) {
+  ModelRecipe recipe = tesseramill_bench::gis_model(200);
+  recipe.nsdim = 11;
+  expect_same_proposals(recipe, 3000, 12);
+}
+
 TEST(FastEmplacement, ChoosesAsTheLiteralStepsOnADomainOf1e7) {
   // Coordinates are shifted so that the outer boundary starts at 1000; a
   // domain 10,000 km across keeps them of the order of 1e7 after the shift.

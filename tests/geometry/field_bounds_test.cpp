@@ -3,10 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <sstream>
 
 #include "geometry/field_bounds.h"
 #include "geometry/local_separation.h"
+#include "geometry/planar_tools.h"
+#include "geometry/source_index.h"
 #include "model_family.h"
 #include "support/model_state.h"
 #include "support/random.h"
@@ -26,18 +29,25 @@ void state_after_boundaries(RunState& state, const ModelRecipe& recipe, tesseram
       << state.message_buffer;
 }
 
-// Probes rectangles of every size over the domain: corners, random points,
-// and points on the sources themselves.
-void expect_bounds_hold(const RunState& state, std::uint64_t seed, int rectangles, bool some_flat) {
-  Random random(seed);
+// The smallest rectangle holding the outer boundary.
+void outer_extent(const RunState& state, double& xmin, double& xmax, double& ymin, double& ymax) {
   const std::vector<double>& outer = state.outer_boundary.vertices;
-  double xmin = outer[0], xmax = outer[0], ymin = outer[1], ymax = outer[1];
+  xmin = xmax = outer[0];
+  ymin = ymax = outer[1];
   for (std::size_t k = 0; k + 1 < outer.size(); k += 2) {
     xmin = std::min(xmin, outer[k]);
     xmax = std::max(xmax, outer[k]);
     ymin = std::min(ymin, outer[k + 1]);
     ymax = std::max(ymax, outer[k + 1]);
   }
+}
+
+// Probes rectangles of every size over the domain: corners, random points,
+// and points on the sources themselves.
+void expect_bounds_hold(const RunState& state, std::uint64_t seed, int rectangles, bool some_flat) {
+  Random random(seed);
+  double xmin, xmax, ymin, ymax;
+  outer_extent(state, xmin, xmax, ymin, ymax);
   const double growth = state.control.poly_growth_rate;
   const double largest = state.control.max_centroid_separation;
   const std::vector<double>& chain = state.outer_boundary.points;
@@ -81,6 +91,96 @@ void expect_bounds_hold(const RunState& state, std::uint64_t seed, int rectangle
   }
 }
 
+// The same double, bit for bit: equal values of another sign or NaN payload
+// would not do.
+void expect_same_bits(double a, double b, const char* what, double x, double y) {
+  ASSERT_EQ(0, std::memcmp(&a, &b, sizeof a)) << what << " " << a << " against " << b << " at " << x << " " << y;
+}
+
+// bound_tile_at against bound_field_at at one point of a tile.
+void expect_tile_gives_same_bits(const RunState& state, const FieldBounds& bounds, const TileSources& tile, double x,
+                                 double y) {
+  double lo = 0.0;
+  double hi = 0.0;
+  double tile_lo = 0.0;
+  double tile_hi = 0.0;
+  bound_field_at(state, bounds, x, y, lo, hi);
+  bound_tile_at(state, bounds, tile, x, y, tile_lo, tile_hi);
+  expect_same_bits(tile_lo, lo, "lo", x, y);
+  expect_same_bits(tile_hi, hi, "hi", x, y);
+  // The tile's own bounds hold those at each of its points, and so the field.
+  ASSERT_LE(tile.lo, lo) << x << " " << y;
+  ASSERT_GE(tile.hi, hi) << x << " " << y;
+}
+
+// Cuts rectangles of every size into tiles and compares the bounds of the
+// tiles with those of the rectangle at the tiles' corners, on their rims,
+// inside them and on the sources within them.  Returns how many sources the
+// tiles left out, so that a test can tell that the pruning was at work.
+std::size_t expect_tiles_hold(const RunState& state, std::uint64_t seed, int rectangles) {
+  Random random(seed);
+  double xmin, xmax, ymin, ymax;
+  outer_extent(state, xmin, xmax, ymin, ymax);
+  const double largest = state.control.max_centroid_separation;
+  const std::vector<double>& chain = state.outer_boundary.points;
+  FieldBounds bounds;
+  TileSources tile;
+  std::size_t left_out = 0;
+  for (int r = 0; r < rectangles; ++r) {
+    double x = random.uniform(xmin, xmax);
+    double y = random.uniform(ymin, ymax);
+    if (r % 2 == 0 && chain.size() >= 2) {
+      // Near the chains, where the sources crowd.
+      const std::size_t k = static_cast<std::size_t>(random.uniform(0, static_cast<double>(chain.size() / 2)));
+      x = chain[2 * k] - random.uniform(0, largest);
+      y = chain[2 * k + 1] - random.uniform(0, largest);
+    }
+    const double w = largest * random.uniform(0.01, 3);
+    const double h = largest * random.uniform(0.01, 3);
+    bound_field(state, x, x + w, y, y + h, bounds);
+    if (!bounds.usable) {
+      ADD_FAILURE() << "no bounds";
+      return left_out;
+    }
+    for (int t = 0; t < 6; ++t) {
+      // A tile anywhere in the rectangle; the last is a single point.
+      double tx0 = random.uniform(x, x + w);
+      double tx1 = t == 5 ? tx0 : random.uniform(tx0, x + w);
+      double ty0 = random.uniform(y, y + h);
+      double ty1 = t == 5 ? ty0 : random.uniform(ty0, y + h);
+      if (t == 0) {
+        tx0 = x;
+        tx1 = x + w;
+        ty0 = y;
+        ty1 = y + h;
+      }
+      keep_tile_sources(state, bounds, tx0, tx1, ty0, ty1, tile);
+      EXPECT_LE(tile.xs.size(), bounds.xs.size());
+      left_out += bounds.xs.size() - tile.xs.size();
+      for (int p = 0; p < 10; ++p) {
+        double px = random.uniform(tx0, tx1);
+        double py = random.uniform(ty0, ty1);
+        if (p < 4) {
+          px = p & 1 ? tx1 : tx0;
+          py = p & 2 ? ty1 : ty0;
+        } else if (p == 4) {
+          px = tx0;
+        } else if (p == 5) {
+          py = ty1;
+        }
+        expect_tile_gives_same_bits(state, bounds, tile, px, py);
+      }
+      // Sources that lie in the tile, at distance zero from a point.
+      for (std::size_t k = 0; k < bounds.xs.size(); ++k) {
+        if (bounds.xs[k] >= tx0 && bounds.xs[k] <= tx1 && bounds.ys[k] >= ty0 && bounds.ys[k] <= ty1) {
+          expect_tile_gives_same_bits(state, bounds, tile, bounds.xs[k], bounds.ys[k]);
+        }
+      }
+    }
+  }
+  return left_out;
+}
+
 TEST(FieldBounds, HoldOnTheFamilyWithEveryKindOfSource) {
   for (double growth : {1.2, 1.05, 2.0}) {
     tesseramill_test::ScratchDir dir;
@@ -91,6 +191,8 @@ TEST(FieldBounds, HoldOnTheFamilyWithEveryKindOfSource) {
     RunState state;
     state_after_boundaries(state, recipe, dir);
     expect_bounds_hold(state, 21 + static_cast<std::uint64_t>(growth * 100), 300, true);
+    // Tiles of the rectangles give the rectangles' bits, and leave out many sources.
+    EXPECT_GT(expect_tiles_hold(state, 31 + static_cast<std::uint64_t>(growth * 100), 300), 1000u);
   }
 }
 
@@ -103,6 +205,110 @@ TEST(FieldBounds, HoldWithGrowthRatesNearOne) {
   state_after_boundaries(state, recipe, dir);
   // So slow a growth never reaches the caps here.
   expect_bounds_hold(state, 22, 200, false);
+}
+
+
+TEST(FieldBounds, TilesGiveTheRectanglesBitsAlongADigitisedDivideAndARiver) {
+  tesseramill_test::ScratchDir dir;
+  RunState state;
+  state_after_boundaries(state, tesseramill_bench::gis_model(400), dir);
+  EXPECT_GT(expect_tiles_hold(state, 32, 600), 1000u);
+}
+
+// A run state whose only sources are inner points, in a square of side
+// 2000 round the origin; cap 1000.
+void state_with_sources(RunState& state, const std::vector<double>& coords, const std::vector<double>& separations) {
+  state = RunState{};
+  state.control.poly_growth_rate = 1.2;
+  state.control.max_centroid_separation = 1000.0;
+  state.smallest_max_separation = 1000.0;
+  state.outer_boundary.vertices = {-1000, -1000, 1000, -1000, 1000, 1000, -1000, 1000, -1000, -1000};
+  state.outer_boundary.vertex_count = 5;
+  PointSet points;
+  points.count = static_cast<std::int32_t>(separations.size());
+  points.coords = coords;
+  points.separation = separations;
+  state.inner_point_sets = {points};
+  build_domain_index(state);
+  build_source_index(state);
+}
+
+// Sources on an integer lattice with equal separations, so that distances
+// and sizes tie again and again, with tiles whose rims run through them.
+TEST(FieldBounds, TilesGiveTheRectanglesBitsThroughTiesOnALattice) {
+  Random random(33);
+  RunState state;
+  FieldBounds bounds;
+  TileSources tile;
+  std::size_t left_out = 0;
+  for (int trial = 0; trial < 300; ++trial) {
+    std::vector<double> coords;
+    std::vector<double> separations;
+    const int count = 2 + trial % 40;
+    for (int k = 0; k < count; ++k) {
+      coords.push_back(std::round(random.uniform(-60, 60)));
+      coords.push_back(std::round(random.uniform(-60, 60)));
+      separations.push_back(trial % 3 == 0 ? 4.0 : std::round(random.uniform(1, 8)));
+    }
+    state_with_sources(state, coords, separations);
+    bound_field(state, -20, 20, -20, 20, bounds);
+    ASSERT_TRUE(bounds.usable);
+    for (int tx = -20; tx < 20; tx += 8) {
+      for (int ty = -20; ty < 20; ty += 8) {
+        keep_tile_sources(state, bounds, tx, tx + 8, ty, ty + 8, tile);
+        left_out += bounds.xs.size() - tile.xs.size();
+        for (int px = tx; px <= tx + 8; px += 2) {
+          for (int py = ty; py <= ty + 8; py += 2) expect_tile_gives_same_bits(state, bounds, tile, px, py);
+        }
+      }
+    }
+  }
+  EXPECT_GT(left_out, 1000u);
+}
+
+// bound_field_at at (x, y) with a single source.
+void bounds_of_one_source(double sx, double sy, double s, double x, double y, double& lo, double& hi) {
+  RunState state;
+  state_with_sources(state, {sx, sy}, {s});
+  FieldBounds bounds;
+  bound_field(state, x - 1, x + 1, y - 1, y + 1, bounds);
+  bound_field_at(state, bounds, x, y, lo, hi);
+}
+
+// A source whose lower bound over the tile equals the smallest upper bound
+// exactly is left out, and the bounds still come out the same: a tile of
+// one point at the origin, one source at (30, 0) setting the upper bound,
+// and a second at the origin whose separation is searched so that its
+// lower bound there is that very value.
+TEST(FieldBounds, TilesLeaveOutASourceExactlyAtTheBoundAndGiveTheSameBits) {
+  double lo = 0.0;
+  double upper = 0.0;
+  bounds_of_one_source(30, 0, 10, 0, 0, lo, upper);
+  double s = upper / (1.0 - 1e-9);
+  double lower = 0.0;
+  double hi = 0.0;
+  for (int step = 0; step < 200; ++step) {
+    bounds_of_one_source(0, 0, s, 0, 0, lower, hi);
+    if (lower == upper) break;
+    s = std::nextafter(s, lower < upper ? INFINITY : 0.0);
+  }
+  ASSERT_EQ(lower, upper) << "no separation gives the bound exactly";
+  for (int order = 0; order < 2; ++order) {
+    RunState state;
+    if (order == 0) {
+      state_with_sources(state, {30, 0, 0, 0}, {10, s});
+    } else {
+      state_with_sources(state, {0, 0, 30, 0}, {s, 10});
+    }
+    FieldBounds bounds;
+    bound_field(state, -5, 5, -5, 5, bounds);
+    ASSERT_EQ(bounds.xs.size(), 2u);
+    TileSources tile;
+    keep_tile_sources(state, bounds, 0, 0, 0, 0, tile);
+    ASSERT_EQ(tile.xs.size(), 1u) << order;
+    EXPECT_EQ(tile.xs[0], 30.0);
+    expect_tile_gives_same_bits(state, bounds, tile, 0, 0);
+  }
 }
 
 }  // namespace
