@@ -170,7 +170,8 @@ void size_cell_tables(RunState& state) {
 void order_connected_triangles(RunState& state) {
   // Each column is reordered by itself, with scratch space of its own part,
   // so the points may be taken in any order: they are taken in the
-  // triangulation's sorted order, in which neighbouring points have
+  // triangulation's sorted order (the reference path keeps the order of
+  // the points), in which neighbouring points have
   // triangles of nearby numbers, and so the triangles' entries are read from
   // nearby memory.  A failure is reported for the lowest point that fails,
   // as a pass in the order of the points would meet it first; the other
@@ -180,7 +181,7 @@ void order_connected_triangles(RunState& state) {
   if (state.mesh.work_list.size() < room) state.mesh.work_list.resize(room);
   if (tt.second_scratch.size() < room) tt.second_scratch.resize(room);
   const std::size_t n = static_cast<std::size_t>(state.mesh.mesh_point_count);
-  const bool sorted = tt.sort_index.size() == n;
+  const bool sorted = !state.reference_paths && tt.sort_index.size() == n;
   PartFailure lowest[2];
   run_in_parts(n, [&](std::size_t begin, std::size_t end, int part) {
     std::int32_t* work = part == 0 ? state.mesh.work_list.data() : tt.second_scratch.data();
