@@ -5,7 +5,7 @@ FUZZ_SECONDS ?= 60
 VERSION := $(shell sed -n 's/.*version_text = "\(.*\)";.*/\1/p' src/common/run_state.cpp)
 WINDOWS_PACKAGE := tesseramill-$(VERSION)-windows-x64
 
-.PHONY: build demo gis-demo test bench bench-gis maths-check reference-check sanitize fuzz mf6-check determinism windows windows-test windows-compare clean
+.PHONY: build demo gis-demo test bench bench-triangulation bench-gis maths-check reference-check sanitize sanitize-gis fuzz mf6-check determinism windows windows-test windows-compare clean
 
 build:
 	cmake -S . -B $(BUILD)
@@ -45,6 +45,17 @@ bench:
 	cmake -S . -B $(BUILD)
 	cmake --build $(BUILD) -j 2 --target tesseramill-bench
 	$(BUILD)/tesseramill-bench $(BENCH_ARGS)
+
+# Times DTRIS2, fast and reference, on the mesh points of the family's
+# million-cell model after its third Lloyd pass, and CGAL's Delaunay
+# triangulation of the same points when CGAL is installed (libcgal-dev).  The
+# points are made once (about half a minute) and kept in
+# $(BUILD)/triangulation-points-1e6.bin for the next call.
+bench-triangulation:
+	cmake -S . -B $(BUILD)
+	cmake --build $(BUILD) -j 2 --target tesseramill-bench
+	-cmake --build $(BUILD) -j 2 --target tesseramill-cgal-bench
+	$(BUILD)/tesseramill-bench --triangulation 1e6 --points $(BUILD)/triangulation-points-1e6.bin
 
 # Times tesseramill-gis: the import of GeoJSON layers of 100,000 vertices,
 # and the export of the family's model of about a million cells (the mesher

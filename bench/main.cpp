@@ -12,10 +12,10 @@
 //                                     on each model (whole run only)
 //   tesseramill-bench --write SIZE|outline|gisN DIR [MAX_LLOYD]
 //                                     write one model of the family and stop
-//   tesseramill-bench --triangulation SIZE
-//                                     time one DTRIS2 of the cell centres of
-//                                     the family's model of that size, fast
-//                                     and reference
+//   tesseramill-bench --triangulation SIZE [--points FILE]
+//                                     time DTRIS2 on the mesh points of the
+//                                     family's model of that size, fast,
+//                                     reference and CGAL (triangulation_speed.h)
 //   tesseramill-bench --maths         the cost per call of each correctly
 //                                     rounded function and the system's
 //
@@ -39,8 +39,8 @@
 #include "common/platform.h"
 #include "maths_speed.h"
 #include "model_family.h"
+#include "triangulation_speed.h"
 #include "run/program.h"
-#include "triangulation/dtris2.h"
 
 namespace fs = std::filesystem;
 using tesseramill_bench::ModelRecipe;
@@ -189,75 +189,6 @@ std::vector<Row> family(const std::vector<double>& sizes, bool with_outline) {
   return rows;
 }
 
-// Times DTRIS2 and its reference on the cell centres of the family's model
-// of `size` cells as first placed (MAX_LLOYD 0), shifted near 1000 as the
-// program shifts its coordinates: the median of three calls each, and
-// whether the two gave the same tables.
-int time_triangulation(double size) {
-  const fs::path folder = tesseramill::fresh_temporary_folder("tesseramill_bench_");
-  fs::remove_all(folder);
-  ModelRecipe recipe = tesseramill_bench::family_model(size);
-  recipe.max_lloyd = 0;
-  tesseramill_bench::write_model(recipe, folder);
-  std::string out;
-  const Timing run = spawn({tesseramill::own_program_path(), "--run-one"}, folder, out);
-  std::ifstream table(folder / "model_polygon_centroids_0.dat");
-  std::string head;
-  std::getline(table, head);
-  std::vector<double> points;
-  long number = 0;
-  double x = 0.0, y = 0.0, area = 0.0;
-  while (table >> number >> x >> y >> area) {
-    points.push_back(x);
-    points.push_back(y);
-  }
-  fs::remove_all(folder);
-  const std::int32_t n = static_cast<std::int32_t>(points.size() / 2);
-  if (!run.ok || n < 3) {
-    std::cerr << "the model of size " << size << " did not run\n";
-    return 1;
-  }
-  double xmin = points[0], ymin = points[1];
-  for (std::size_t k = 0; k < points.size(); k += 2) {
-    xmin = std::min(xmin, points[k]);
-    ymin = std::min(ymin, points[k + 1]);
-  }
-  for (std::size_t k = 0; k < points.size(); k += 2) {
-    points[k] -= xmin - 1000.0;
-    points[k + 1] -= ymin - 1000.0;
-  }
-  const std::size_t room = 6 * static_cast<std::size_t>(n);
-  std::vector<std::int32_t> index(static_cast<std::size_t>(n)), stack(static_cast<std::size_t>(n));
-  std::vector<std::int32_t> vertex(room), neighbour(room), vertex_ref(room), neighbour_ref(room);
-  std::int32_t count = 0, count_ref = 0;
-  tesseramill::Dtris2Workspace work;
-  std::ostringstream screen;
-  auto median_of_three = [&](auto call) {
-    std::array<double, 3> seconds{};
-    for (double& t : seconds) {
-      for (std::int32_t k = 0; k < n; ++k) index[static_cast<std::size_t>(k)] = k + 1;
-      const auto start = std::chrono::steady_clock::now();
-      call();
-      t = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    }
-    std::sort(seconds.begin(), seconds.end());
-    return seconds[1];
-  };
-  const double fast = median_of_three([&] {
-    tesseramill::DTRIS2(n, points.data(), index.data(), count, vertex.data(), neighbour.data(), stack.data(), screen,
-                        work);
-  });
-  const double reference = median_of_three([&] {
-    tesseramill::DTRIS2_reference(n, points.data(), index.data(), count_ref, vertex_ref.data(), neighbour_ref.data(),
-                                  stack.data(), screen);
-  });
-  const bool same = count == count_ref && vertex == vertex_ref && neighbour == neighbour_ref;
-  std::cout << "DTRIS2 of " << n << " cell centres: " << count << " triangles, " << fixed(fast, 3)
-            << " s; reference " << fixed(reference, 3) << " s (median of 3 each); same tables: "
-            << (same ? "yes" : "NO") << "\n";
-  return same ? 0 : 1;
-}
-
 void print_head(bool with_binary) {
   std::cout << pad("model", 26) << pad("cells", 9) << pad("read", 7) << pad("bound", 7) << pad("inter", 8)
             << pad("lloyd", 8) << pad("write", 7) << pad("total", 8) << pad("B/cell", 8)
@@ -314,8 +245,8 @@ int main(int argc, char** argv) {
     return 0;
   }
   if (!args.empty() && args[0] == "--maths" && args.size() == 1) return tesseramill_bench::time_maths();
-  if (!args.empty() && args[0] == "--triangulation" && args.size() == 2) {
-    return time_triangulation(std::atof(args[1].c_str()));
+  if (!args.empty() && args[0] == "--triangulation" && (args.size() == 2 || (args.size() == 4 && args[2] == "--points"))) {
+    return tesseramill_bench::time_triangulation(std::atof(args[1].c_str()), args.size() == 4 ? args[3] : "");
   }
   std::vector<double> sizes = {1e3, 1e4, 3e4, 1e5, 1e6};
   bool with_outline = true;

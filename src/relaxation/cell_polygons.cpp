@@ -5,6 +5,7 @@
 #include "common/failure.h"
 #include "common/parallel.h"
 #include "common/text_tools.h"
+#include "relaxation/fan_order.h"
 
 namespace tesseramill {
 
@@ -13,78 +14,6 @@ namespace {
 std::int32_t* column(RunState& state, std::int32_t p) {
   TriangleTable& tt = state.triangles;
   return tt.connected_triangles.data() + static_cast<std::size_t>(p - 1) * static_cast<std::size_t>(tt.row_capacity);
-}
-
-std::int32_t neighbour_of(const TriangleTable& tt, std::int32_t e, std::int32_t t) {
-  return tt.tri_neighbour[3 * static_cast<std::size_t>(t - 1) + static_cast<std::size_t>(e - 1)];
-}
-
-// Position (0-based) of `t` among the first `c` entries of `col`, or -1.
-std::int32_t find_in(const std::int32_t* col, std::int32_t c, std::int32_t t) {
-  for (std::int32_t m = 0; m < c; ++m) {
-    if (col[m] == t) return m;
-  }
-  return -1;
-}
-
-const char* const kSubOptimal =
-    "Sub-optimal triangulation. This can sometimes be rectified by decreasing requested cell density along "
-    "inner lines (especially if close to model boundary) or increasing requested cell density along outer "
-    "polygonal boundary.";
-
-// Puts column p into fan order, with `work` as scratch; gives the failure
-// text, or an empty text.
-std::string order_fan(RunState& state, std::int32_t p, std::int32_t* work) {
-  const TriangleTable& tt = state.triangles;
-  const std::int32_t c = tt.point_tri_count[static_cast<std::size_t>(p - 1)];
-  std::int32_t* col = column(state, p);
-
-  std::int32_t start = 0;
-  for (std::int32_t m = 0; m < c; ++m) {
-    const std::int32_t t = col[m];
-    int matches = 0;
-    for (std::int32_t e = 1; e <= 3; ++e) {
-      if (find_in(col, c, neighbour_of(tt, e, t)) >= 0) ++matches;
-    }
-    if (matches == 1) {
-      start = m;
-      break;
-    }
-    if (matches == 3) {
-      return "Connection anomaly for connected triangle " + int_to_text(m + 1) + "of point " + int_to_text(p) + ".";
-    }
-  }
-  work[0] = col[start];
-  col[start] = 0;
-  if (c > 2) {
-    for (std::int32_t i = 1; i < c - 1; ++i) {
-      const std::int32_t t = work[i - 1];
-      bool taken = false;
-      for (std::int32_t e = 1; e <= 3 && !taken; ++e) {
-        const std::int32_t next = neighbour_of(tt, e, t);
-        const std::int32_t at = find_in(col, c, next);
-        if (at >= 0 && next > 0) {
-          work[i] = next;
-          col[at] = 0;
-          taken = true;
-        }
-      }
-      if (!taken) return "Missing triangle local neighbour: cell = " + int_to_text(p);
-    }
-  }
-  if (c != 1) {
-    std::int32_t last = -1;
-    for (std::int32_t m = 0; m < c; ++m) {
-      if (col[m] != 0) {
-        last = m;
-        break;
-      }
-    }
-    if (last < 0) return kSubOptimal;
-    work[c - 1] = col[last];
-  }
-  for (std::int32_t m = 0; m < c; ++m) col[m] = work[m];
-  return std::string();
 }
 
 void put_corner(CellTables& cells, std::int32_t position, double x, double y, std::int32_t code) {
@@ -239,21 +168,37 @@ void size_cell_tables(RunState& state) {
 }
 
 void order_connected_triangles(RunState& state) {
-  // Each column is reordered by itself, with scratch space of its own part.
+  // Each column is reordered by itself, with scratch space of its own part,
+  // so the points may be taken in any order: they are taken in the
+  // triangulation's sorted order (the reference path keeps the order of
+  // the points), in which neighbouring points have
+  // triangles of nearby numbers, and so the triangles' entries are read from
+  // nearby memory.  A failure is reported for the lowest point that fails,
+  // as a pass in the order of the points would meet it first; the other
+  // columns then no longer matter, since the run ends.
   TriangleTable& tt = state.triangles;
   const std::size_t room = static_cast<std::size_t>(std::max(tt.largest_tri_count, 1));
   if (state.mesh.work_list.size() < room) state.mesh.work_list.resize(room);
   if (tt.second_scratch.size() < room) tt.second_scratch.resize(room);
-  const PartFailure failure =
-      run_in_parts(static_cast<std::size_t>(state.mesh.mesh_point_count), [&](std::size_t begin, std::size_t end, int part) {
-        std::int32_t* work = part == 0 ? state.mesh.work_list.data() : tt.second_scratch.data();
-        for (std::size_t k = begin; k < end; ++k) {
-          std::string message = order_fan(state, static_cast<std::int32_t>(k + 1), work);
-          if (!message.empty()) return PartFailure{k, std::move(message)};
-        }
-        return PartFailure{};
-      });
-  if (failure.failed()) fail(state, failure.message);
+  const std::size_t n = static_cast<std::size_t>(state.mesh.mesh_point_count);
+  const bool sorted = !state.reference_paths && tt.sort_index.size() == n;
+  PartFailure lowest[2];
+  run_in_parts(n, [&](std::size_t begin, std::size_t end, int part) {
+    std::int32_t* work = part == 0 ? state.mesh.work_list.data() : tt.second_scratch.data();
+    PartFailure& failure = lowest[part];
+    for (std::size_t k = begin; k < end; ++k) {
+      const std::int32_t p = sorted ? tt.sort_index[k] : static_cast<std::int32_t>(k + 1);
+      std::int32_t* col = column(state, p);
+      const std::int32_t c = tt.point_tri_count[static_cast<std::size_t>(p - 1)];
+      std::string message = state.reference_paths ? order_fan(tt.tri_neighbour.data(), col, c, p, work)
+                                                  : order_fan_fast(tt.tri_neighbour.data(), col, c, p, work);
+      const std::size_t at = static_cast<std::size_t>(p - 1);
+      if (!message.empty() && at < failure.at) failure = PartFailure{at, std::move(message)};
+    }
+    return PartFailure{};
+  });
+  const PartFailure& first = lowest[0].at <= lowest[1].at ? lowest[0] : lowest[1];
+  if (first.failed()) fail(state, first.message);
 }
 
 void assemble_cell_polygons(RunState& state) {

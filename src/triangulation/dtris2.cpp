@@ -5,21 +5,33 @@
 #include <ostream>
 
 #include "output/number_format.h"
+#include "triangulation/dtris2_insertion.h"
+#include "triangulation/dtris2_tests.h"
 
 namespace tesseramill {
 
-namespace {
+namespace dtris2_detail {
 
-constexpr double kTol = kTriangulationTolerance;
-
-// std::max on two doubles, by value, so that the compiler can keep the
-// chains of maxima below in registers; the same (a < b ? b : a) either way.
-inline double larger(double a, double b) { return a < b ? b : a; }
-
-bool coordinates_differ(double a, double b) {
-  const double size = larger(std::fabs(a), std::fabs(b));
-  return std::fabs(a - b) > kTol * size && size > kTol;
+void print_fatal(std::ostream& screen, const char* routine, const char* text) {
+  screen << " \n" << routine << " - Fatal error!\n" << text << "\n";
 }
+
+void print_fan_stack_full(std::ostream& screen, std::int32_t maxst, std::int32_t top) {
+  print_fatal(screen, "DTRIS2", "  Ran out of stack space.");
+  screen << "  MAXST = " << format_integer(maxst, 6) << "\n  TOP =   " << format_integer(top, 6) << "\n";
+}
+
+void print_swap_stack_full(std::ostream& screen, std::int32_t maxst, std::int32_t top) {
+  print_fatal(screen, "SWAPEC", "  Ran out of stack storage.");
+  screen << "  MAXST = " << format_integer(maxst, 6) << "\n  TOP =   " << format_integer(top, 6) << "\n";
+  screen << " \nDTRIS2 - Fatal error!\n  SWAPEC returned IERROR = " << format_integer(8, 6) << "\n";
+}
+
+}  // namespace dtris2_detail
+
+using namespace dtris2_detail;
+
+namespace {
 
 // The working view of one call: 1-based access to points and tables.  The
 // corners and neighbours of triangle t start at [stride (t-1)] of their
@@ -57,30 +69,12 @@ void sift_down(Mesh& m, std::int32_t l, std::int32_t u) {
   m.sorted(p) = t;
 }
 
-void print_fatal(std::ostream& screen, const char* routine, const char* text) {
-  screen << " \n" << routine << " - Fatal error!\n" << text << "\n";
-}
-
 // The edge of triangle `t` that ends in vertex `pivot`: the edge before the
 // pivot's own position, so that stepping across it turns round the pivot.
 std::int32_t edge_ending_at(Mesh& m, std::int32_t t, std::int32_t pivot) {
   if (m.vertex(1, t) == pivot) return 3;
   if (m.vertex(2, t) == pivot) return 1;
   return 2;
-}
-
-// The body of side_of_line, defined here so that the walks can take it in line.
-inline int side_choice(double x, double y, const double* a, const double* b) {
-  const double dx = b[0] - a[0];
-  const double dy = b[1] - a[1];
-  const double dxu = x - a[0];
-  const double dyu = y - a[1];
-  const double limit =
-      kTol * larger(larger(std::fabs(dx), std::fabs(dy)), larger(std::fabs(dxu), std::fabs(dyu)));
-  const double t = dy * dxu - dx * dyu;
-  if (t > limit) return 1;
-  if (t >= -limit) return 0;
-  return -1;
 }
 
 // Finds the first and last hull edges that the point sees.
@@ -139,32 +133,6 @@ void store_hull_link(Mesh& m, std::int32_t t, std::int32_t e, std::int32_t pivot
   m.neighbour(e, t) = link;
 }
 
-// The body of diagonal_test, defined here so that the swap loop can take it
-// in line.
-inline int diagonal_choice(const double* p0, const double* p1, const double* p2, const double* p3) {
-  const double dx10 = p1[0] - p0[0];
-  const double dy10 = p1[1] - p0[1];
-  const double dx12 = p1[0] - p2[0];
-  const double dy12 = p1[1] - p2[1];
-  const double dx30 = p3[0] - p0[0];
-  const double dy30 = p3[1] - p0[1];
-  const double dx32 = p3[0] - p2[0];
-  const double dy32 = p3[1] - p2[1];
-  const double tola = kTol * larger(larger(std::fabs(dx10), std::fabs(dy10)),
-                                      larger(std::fabs(dx30), std::fabs(dy30)));
-  const double tolb = kTol * larger(larger(std::fabs(dx12), std::fabs(dy12)),
-                                      larger(std::fabs(dx32), std::fabs(dy32)));
-  const double ca = dx10 * dx30 + dy10 * dy30;
-  const double cb = dx12 * dx32 + dy12 * dy32;
-  if (ca > tola && cb > tolb) return -1;
-  if (ca < -tola && cb < -tolb) return 1;
-  const double tol2 = larger(tola, tolb);
-  const double s = (dx10 * dy30 - dx30 * dy10) * cb + (dx32 * dy12 - dx12 * dy32) * ca;
-  if (s > tol2) return -1;
-  if (s < -tol2) return 1;
-  return 0;
-}
-
 int SWAPEC(Mesh& m, std::int32_t i, std::int32_t& top, std::int32_t maxst, std::int32_t& btri,
            std::int32_t& bedg) {
   const double* pi = m.point(i);
@@ -219,9 +187,7 @@ int SWAPEC(Mesh& m, std::int32_t i, std::int32_t& top, std::int32_t maxst, std::
       replace_neighbour(m, s, u, t);
       top += 1;
       if (top > maxst) {
-        print_fatal(m.screen, "SWAPEC", "  Ran out of stack storage.");
-        m.screen << "  MAXST = " << format_integer(maxst, 6) << "\n  TOP =   " << format_integer(top, 6)
-                 << "\n";
+        print_swap_stack_full(m.screen, maxst, top);
         return 8;
       }
       m.stack[top - 1] = t;
@@ -311,30 +277,10 @@ void heap_sort(Mesh& m, std::int32_t n) {
 int triangulate_sorted(Mesh& m, std::int32_t n, std::int32_t& triangle_count) {
   std::ostream& screen = m.screen;
   triangle_count = 0;
-  for (std::int32_t i = 2; i <= n; ++i) {
-    const double* p = m.point(m.sorted(i - 1));
-    const double* q = m.point(m.sorted(i));
-    if (!coordinates_differ(p[0], q[0]) && !coordinates_differ(p[1], q[1])) {
-      print_fatal(screen, "DTRIS2", "  Consecutive points are too close.");
-      return 224;
-    }
-  }
-
   std::int32_t j = 3;
   std::int32_t side = 0;
-  if (n >= 3) {
-    const double* m1 = m.point(m.sorted(1));
-    const double* m2 = m.point(m.sorted(2));
-    for (; j <= n; ++j) {
-      const double* pm = m.point(m.sorted(j));
-      side = side_choice(pm[0], pm[1], m1, m2);
-      if (side != 0) break;
-    }
-  }
-  if (n < 3 || side == 0) {
-    print_fatal(screen, "DTRIS2", "  Could not find a noncollinear third point.");
-    return 225;
-  }
+  const int first = first_triangle_point(n, [&](std::int32_t i) { return m.point(m.sorted(i)); }, j, side, screen);
+  if (first != 0) return first;
 
   std::int32_t ltri = 0;
   std::int32_t ledg = 0;
@@ -379,8 +325,7 @@ int triangulate_sorted(Mesh& m, std::int32_t n, std::int32_t& triangle_count) {
       m.neighbour(2, k) = k - 1;
       m.neighbour(3, k) = k + 1;
       if (top >= maxst) {
-        print_fatal(screen, "DTRIS2", "  Ran out of stack space.");
-        screen << "  MAXST = " << format_integer(maxst, 6) << "\n  TOP =   " << format_integer(top, 6) << "\n";
+        print_fan_stack_full(screen, maxst, top);
         return 8;
       }
       top += 1;
@@ -394,10 +339,7 @@ int triangulate_sorted(Mesh& m, std::int32_t n, std::int32_t& triangle_count) {
     ltri = n1;
     ledg = 2;
     const int ierror = SWAPEC(m, mp, top, maxst, ltri, ledg);
-    if (ierror != 0) {
-      screen << " \nDTRIS2 - Fatal error!\n  SWAPEC returned IERROR = " << format_integer(ierror, 6) << "\n";
-      return ierror;
-    }
+    if (ierror != 0) return ierror;
   }
   return 0;
 }
@@ -488,15 +430,28 @@ int DTRIS2(std::int32_t n, const double* points, std::int32_t* sort_index, std::
     work.identity[static_cast<std::size_t>(k)] = k + 1;
   }
   // Each triangle's corners and neighbours side by side, as the walks and
-  // swaps read them together; copied into the two tables at the end.
-  Mesh m{work.sorted_points.data(), work.identity.data(), work.triangles.data(), work.triangles.data() + 3,
-         stack, screen, 6};
-  const int ierror = triangulate_sorted(m, n, triangle_count);
+  // swaps read them together; copied into the two tables at the end.  The
+  // insertion of dtris2_insertion.cpp takes the literal steps' every
+  // decision (see there); where it cannot vouch for that, the literal steps
+  // run on the same copy.
+  work.hull_end.resize(static_cast<std::size_t>(n));
+  int ierror = 0;
+  const FastInsertion fast = insert_sorted_points(n, work.sorted_points.data(), work.triangles.data(),
+                                                  work.hull_end.data(), stack, triangle_count, ierror, screen);
+  if (fast == FastInsertion::kTwoEdgesShared) {
+    Mesh m{work.sorted_points.data(), work.identity.data(), work.triangles.data(), work.triangles.data() + 3,
+           stack, screen, 6};
+    ierror = triangulate_sorted(m, n, triangle_count);
+  }
+  // The fast insertion codes a neighbour as 3u + f, with the edge f of u
+  // that it lies across.
+  const bool coded = fast == FastInsertion::kDone;
   for (std::size_t t = 0; t < static_cast<std::size_t>(triangle_count); ++t) {
     const std::int32_t* from = &work.triangles[6 * t];
     for (std::size_t e = 0; e < 3; ++e) {
       tri_vertex[3 * t + e] = sort_index[from[e] - 1];
-      tri_neighbour[3 * t + e] = from[3 + e];
+      const std::int32_t across = from[3 + e];
+      tri_neighbour[3 * t + e] = coded && across > 0 ? across / 3 : across;
     }
   }
   return ierror;

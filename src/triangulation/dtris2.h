@@ -23,6 +23,7 @@ struct Dtris2Workspace {
   std::vector<double> sorted_points;
   std::vector<std::int32_t> identity;
   std::vector<std::int32_t> triangles;  // corners and neighbours, 6 per triangle
+  std::vector<std::int32_t> hull_end;   // per point, the hull edge that ends in it
 };
 
 // Triangulates the n points held as x,y pairs in `points`.  `sort_index`

@@ -208,6 +208,11 @@ void build_connected_triangles(RunState& state) {
   TriangleTable& tt = state.triangles;
   const std::int32_t n = state.mesh.mesh_point_count;
   const bool first_pass = state.lloyd_iteration == 0;
+  // The fast path clears the table only when it is made: a later pass
+  // overwrites the first point_tri_count(p) entries of each column below,
+  // and no step reads further down a column, so clearing it again (some
+  // 50 MB a pass at a million cells) would change no result.  The
+  // reference path clears it in every pass.
   if (first_pass || tt.largest_tri_count > tt.row_capacity) {
     tt.row_capacity = tt.largest_tri_count + 2;
     try {
@@ -216,7 +221,7 @@ void build_connected_triangles(RunState& state) {
       fail(state, first_pass ? "Unable to allocate sufficient memory to continue execution."
                              : "Error reallocating MAXCONTRI array.");
     }
-  } else {
+  } else if (state.reference_paths) {
     std::fill(tt.connected_triangles.begin(), tt.connected_triangles.end(), 0);
   }
   std::vector<std::int32_t>& work = state.mesh.work_list;

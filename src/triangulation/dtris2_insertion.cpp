@@ -1,0 +1,297 @@
+// The insertion steps of DTRIS2 in the same order, with the same tests and
+// the same triangle numbers, on tables that spare the searches:
+//
+// - Each neighbour entry names the edge across which the neighbour lies as
+//   well as the neighbour (3u + f, as the hull links already do), so that
+//   SWAPEC finds the shared edge of u, and the entry of s or r that names
+//   the swapped triangle, without trying positions 1, 2, 3.  The literal
+//   steps take the first position that names the triangle; the coded edge is
+//   that position unless the two triangles share two edges, which the steps
+//   check before they trust it and hand back to the literal routine.
+// - `hull_end` keeps for each hull point the hull edge that ends in it.  The
+//   literal steps find that edge by turning round the point through inner
+//   triangles (store_hull_link and the left walk of
+//   visible_boundary_edges).  Every point's triangles form one fan (an
+//   insertion adds a new point's fan and lengthens two fans at their hull
+//   ends, and a swap moves one triangle from the fans of a and b to those of
+//   i and c without splitting or joining any), and every point stands at
+//   most once on the hull (an insertion replaces a chain of hull edges by
+//   two through the new point), so the turn always ends at the one hull edge
+//   that ends in the point: the edge that `hull_end` names.  It changes where
+//   a hull edge is made (the first fan, each new fan) or moved to another
+//   triangle (a swap next to the hull), and is set there.
+#include "triangulation/dtris2_insertion.h"
+
+#include "triangulation/dtris2.h"
+#include "triangulation/dtris2_tests.h"
+
+namespace tesseramill {
+
+using namespace dtris2_detail;
+
+namespace {
+
+struct Tables {
+  const double* points;
+  std::int32_t* triangles;
+  std::int32_t* hull_end;
+  std::int32_t* stack;
+
+  const double* point(std::int32_t k) const { return points + 2 * static_cast<std::size_t>(k - 1); }
+  std::int32_t& vertex(std::int32_t t, std::int32_t e) {
+    return triangles[6 * static_cast<std::size_t>(t - 1) + static_cast<std::size_t>(e)];
+  }
+  std::int32_t& across(std::int32_t t, std::int32_t e) {
+    return triangles[6 * static_cast<std::size_t>(t - 1) + 3 + static_cast<std::size_t>(e)];
+  }
+  std::int32_t& hull_edge_ending_at(std::int32_t k) { return hull_end[k - 1]; }
+};
+
+inline std::int32_t next_edge(std::int32_t e) { return e == 2 ? 0 : e + 1; }
+inline std::int32_t previous_edge(std::int32_t e) { return e == 0 ? 2 : e - 1; }
+inline std::int32_t code(std::int32_t t, std::int32_t e) { return 3 * t + e; }
+
+// Whether an entry of triangle t before edge `edge` names triangle `other`
+// too: the literal steps would then take that earlier entry.
+inline bool named_earlier(Tables& m, std::int32_t t, std::int32_t edge, std::int32_t other) {
+  for (std::int32_t g = 0; g < edge; ++g) {
+    const std::int32_t entry = m.across(t, g);
+    if (entry > 0 && entry / 3 == other) return true;
+  }
+  return false;
+}
+
+// Stores the hull link `link` in the hull edge that ends in point `pivot`.
+inline void store_hull_link(Tables& m, std::int32_t pivot, std::int32_t link) {
+  const std::int32_t h = m.hull_edge_ending_at(pivot);
+  m.across(h / 3, h % 3) = link;
+}
+
+void make_first_fan(Tables& m, std::int32_t j, std::int32_t side, std::int32_t& triangle_count,
+                    std::int32_t& ltri, std::int32_t& ledg) {
+  const std::int32_t big_t = j - 2;
+  for (std::int32_t i = 1; i <= big_t; ++i) {
+    if (side == -1) {
+      m.vertex(i, 0) = i;
+      m.vertex(i, 1) = i + 1;
+      m.vertex(i, 2) = j;
+      m.across(i, 0) = i < big_t ? -code(i + 1, 0) : -code(big_t, 1);
+      m.across(i, 1) = i < big_t ? code(i + 1, 2) : -code(1, 2);
+      m.across(i, 2) = i == 1 ? -code(1, 0) : code(i - 1, 1);
+      m.hull_edge_ending_at(i + 1) = code(i, 0);
+    } else {
+      m.vertex(i, 0) = i + 1;
+      m.vertex(i, 1) = i;
+      m.vertex(i, 2) = j;
+      m.across(i, 0) = i == 1 ? -code(1, 1) : -code(i - 1, 0);
+      m.across(i, 1) = i == 1 ? -code(big_t, 2) : code(i - 1, 2);
+      m.across(i, 2) = i < big_t ? code(i + 1, 1) : -code(big_t, 0);
+      m.hull_edge_ending_at(i) = code(i, 0);
+    }
+  }
+  if (side == -1) {
+    m.hull_edge_ending_at(j) = code(big_t, 1);
+    m.hull_edge_ending_at(1) = code(1, 2);
+  } else {
+    m.hull_edge_ending_at(j) = code(1, 1);
+    m.hull_edge_ending_at(big_t + 1) = code(big_t, 2);
+  }
+  triangle_count = big_t;
+  ltri = side == -1 ? big_t : 1;
+  ledg = 1;
+}
+
+void visible_boundary_edges(Tables& m, double x, double y, std::int32_t& ltri, std::int32_t& ledg,
+                            std::int32_t& rtri, std::int32_t& redg) {
+  bool left_walk = false;
+  if (ltri == 0) {
+    ltri = rtri;
+    ledg = redg;
+    left_walk = true;
+  }
+  for (;;) {
+    const std::int32_t l = -m.across(rtri, redg);
+    const std::int32_t t = l / 3;
+    const std::int32_t e = l % 3;
+    const std::int32_t a = m.vertex(t, e);
+    const std::int32_t b = m.vertex(t, next_edge(e));
+    if (side_choice(x, y, m.point(a), m.point(b)) != 1) break;
+    rtri = t;
+    redg = e;
+  }
+  if (!left_walk) return;
+  std::int32_t t = ltri;
+  std::int32_t e = ledg;
+  for (;;) {
+    const std::int32_t b = m.vertex(t, e);
+    const std::int32_t h = m.hull_edge_ending_at(b);
+    t = h / 3;
+    e = h % 3;
+    const std::int32_t a = m.vertex(t, e);
+    if (side_choice(x, y, m.point(a), m.point(b)) != 1) break;
+  }
+  ltri = t;
+  ledg = e;
+}
+
+// SWAPEC for the new point i; false when two triangles share two edges.
+bool swap_edges(Tables& m, std::int32_t i, std::int32_t& top, std::int32_t maxst, std::int32_t& btri,
+                std::int32_t& bedg, int& ierror, std::ostream& screen) {
+  const double* pi = m.point(i);
+  while (top > 0) {
+    const std::int32_t t = m.stack[top - 1];
+    top -= 1;
+    std::int32_t e;
+    std::int32_t b;
+    if (m.vertex(t, 0) == i) {
+      e = 1;
+      b = m.vertex(t, 2);
+    } else if (m.vertex(t, 1) == i) {
+      e = 2;
+      b = m.vertex(t, 0);
+    } else {
+      e = 0;
+      b = m.vertex(t, 1);
+    }
+    const std::int32_t a = m.vertex(t, e);
+    const std::int32_t across_e = m.across(t, e);
+    const std::int32_t u = across_e / 3;
+    const std::int32_t f = across_e % 3;
+    if (named_earlier(m, u, f, t)) return false;
+    const std::int32_t c = m.vertex(u, previous_edge(f));
+    if (diagonal_choice(pi, m.point(a), m.point(c), m.point(b)) != 1) continue;
+
+    const std::int32_t ep1 = next_edge(e);
+    const std::int32_t fm1 = previous_edge(f);
+    const std::int32_t fp1 = next_edge(f);
+    m.vertex(t, ep1) = c;
+    m.vertex(u, fp1) = i;
+    const std::int32_t r = m.across(t, ep1);
+    const std::int32_t s = m.across(u, fp1);
+    m.across(t, ep1) = code(u, fp1);
+    m.across(u, fp1) = code(t, ep1);
+    m.across(t, e) = s;
+    m.across(u, f) = r;
+    if (m.across(u, fm1) > 0) {
+      top += 1;
+      m.stack[top - 1] = u;
+    }
+    if (s > 0) {
+      const std::int32_t st = s / 3;
+      const std::int32_t sg = s % 3;
+      if (named_earlier(m, st, sg, u)) return false;
+      m.across(st, sg) = code(t, e);
+      top += 1;
+      if (top > maxst) {
+        print_swap_stack_full(screen, maxst, top);
+        ierror = 8;
+        return true;
+      }
+      m.stack[top - 1] = t;
+    } else {
+      if (u == btri && fp1 == bedg) {
+        btri = t;
+        bedg = e;
+      }
+      // The hull edge a-c now lies in t; the one before it ends in a.
+      m.hull_edge_ending_at(c) = code(t, e);
+      store_hull_link(m, a, -code(t, e));
+    }
+    if (r > 0) {
+      const std::int32_t rt = r / 3;
+      const std::int32_t rg = r % 3;
+      if (named_earlier(m, rt, rg, t)) return false;
+      m.across(rt, rg) = code(u, f);
+    } else {
+      if (t == btri && ep1 == bedg) {
+        btri = u;
+        bedg = f;
+      }
+      // The hull edge b-i now lies in u; the one before it ends in b.
+      m.hull_edge_ending_at(i) = code(u, f);
+      store_hull_link(m, b, -code(u, f));
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
+FastInsertion insert_sorted_points(std::int32_t n, const double* points, std::int32_t* triangles,
+                                   std::int32_t* hull_end, std::int32_t* stack, std::int32_t& triangle_count,
+                                   int& ierror, std::ostream& screen) {
+  Tables m{points, triangles, hull_end, stack};
+  // The stack holds n entries, as the literal routine's does (a test may
+  // lower it to reach the routine's full-stack failures).
+  const std::int32_t maxst = dtris2_stack_capacity_for_tests > 0 ? dtris2_stack_capacity_for_tests : n;
+  triangle_count = 0;
+  std::int32_t j = 3;
+  std::int32_t side = 0;
+  ierror = first_triangle_point(n, [&](std::int32_t k) { return m.point(k); }, j, side, screen);
+  if (ierror != 0) return FastInsertion::kDone;
+
+  std::int32_t ltri = 0;
+  std::int32_t ledg = 0;
+  make_first_fan(m, j, side, triangle_count, ltri, ledg);
+  std::int32_t top = 0;
+
+  for (std::int32_t mp = j + 1; mp <= n; ++mp) {
+    const double x = m.point(mp)[0];
+    const double y = m.point(mp)[1];
+    std::int32_t rtri;
+    std::int32_t redg;
+    const std::int32_t a = m.vertex(ltri, ledg);
+    const std::int32_t b = m.vertex(ltri, next_edge(ledg));
+    if (side_choice(x, y, m.point(a), m.point(b)) == 1) {
+      rtri = ltri;
+      redg = ledg;
+      ltri = 0;
+    } else {
+      const std::int32_t l = -m.across(ltri, ledg);
+      rtri = l / 3;
+      redg = l % 3;
+    }
+    visible_boundary_edges(m, x, y, ltri, ledg, rtri, redg);
+
+    const std::int32_t n1 = triangle_count + 1;
+    std::int32_t l = -m.across(ltri, ledg);
+    std::int32_t m3 = 0;
+    for (;;) {
+      const std::int32_t t = l / 3;
+      const std::int32_t e = l % 3;
+      l = -m.across(t, e);
+      const std::int32_t m2 = m.vertex(t, e);
+      m3 = m.vertex(t, next_edge(e));
+      triangle_count += 1;
+      const std::int32_t k = triangle_count;
+      m.across(t, e) = code(k, 0);
+      m.vertex(k, 0) = m3;
+      m.vertex(k, 1) = m2;
+      m.vertex(k, 2) = mp;
+      m.across(k, 0) = code(t, e);
+      m.across(k, 1) = code(k - 1, 2);
+      m.across(k, 2) = code(k + 1, 1);
+      if (top >= maxst) {
+        print_fan_stack_full(screen, maxst, top);
+        ierror = 8;
+        return FastInsertion::kDone;
+      }
+      top += 1;
+      m.stack[top - 1] = k;
+      if (t == rtri && e == redg) break;
+    }
+    m.across(ltri, ledg) = -code(n1, 1);
+    m.across(n1, 1) = -code(triangle_count, 2);
+    m.across(triangle_count, 2) = -l;
+    m.hull_edge_ending_at(mp) = code(n1, 1);
+    m.hull_edge_ending_at(m3) = code(triangle_count, 2);
+
+    ltri = n1;
+    ledg = 1;
+    if (!swap_edges(m, mp, top, maxst, ltri, ledg, ierror, screen)) return FastInsertion::kTwoEdgesShared;
+    if (ierror != 0) return FastInsertion::kDone;
+  }
+  return FastInsertion::kDone;
+}
+
+}  // namespace tesseramill

@@ -1,0 +1,209 @@
+// The fast insertion of DTRIS2 (neighbours coded with their edge, the hull
+// edge that ends in each point kept) against the literal routine: the same
+// code, screen, order and tables on seeded sets of every hard kind.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numeric>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "support/random.h"
+#include "triangulation/dtris2.h"
+
+namespace tesseramill {
+namespace {
+
+struct Result {
+  int ierror = -1;
+  std::string screen;
+  std::vector<std::int32_t> sort_index;
+  std::int32_t count = 0;
+  std::vector<std::int32_t> vertex;
+  std::vector<std::int32_t> neighbour;
+};
+
+Result run(const std::vector<double>& points, bool reference, Dtris2Workspace& work) {
+  Result r;
+  const std::int32_t n = static_cast<std::int32_t>(points.size() / 2);
+  r.sort_index.resize(static_cast<std::size_t>(n));
+  std::iota(r.sort_index.begin(), r.sort_index.end(), 1);
+  const std::size_t room = 6 * static_cast<std::size_t>(std::max(n, 2));
+  r.vertex.assign(room, 0);
+  r.neighbour.assign(room, 0);
+  std::vector<std::int32_t> stack(static_cast<std::size_t>(std::max(n, 1)), 0);
+  std::ostringstream screen;
+  r.ierror = reference ? DTRIS2_reference(n, points.data(), r.sort_index.data(), r.count, r.vertex.data(),
+                                          r.neighbour.data(), stack.data(), screen)
+                       : DTRIS2(n, points.data(), r.sort_index.data(), r.count, r.vertex.data(), r.neighbour.data(),
+                                stack.data(), screen, work);
+  r.screen = screen.str();
+  if (r.ierror == 0) {
+    r.vertex.resize(3 * static_cast<std::size_t>(r.count));
+    r.neighbour.resize(3 * static_cast<std::size_t>(r.count));
+  } else {
+    r.vertex.clear();
+    r.neighbour.clear();
+    r.sort_index.clear();
+  }
+  return r;
+}
+
+// The fast routine, with a workspace carried over from earlier calls as in
+// the Lloyd passes, gives the literal routine's result; gives that code.
+int expect_same(const std::vector<double>& points, Dtris2Workspace& work, const std::string& what) {
+  const Result literal = run(points, true, work);
+  const Result fast = run(points, false, work);
+  EXPECT_EQ(fast.ierror, literal.ierror) << what;
+  EXPECT_EQ(fast.screen, literal.screen) << what;
+  EXPECT_EQ(fast.sort_index, literal.sort_index) << what;
+  EXPECT_EQ(fast.count, literal.count) << what;
+  EXPECT_TRUE(fast.vertex == literal.vertex) << what;
+  EXPECT_TRUE(fast.neighbour == literal.neighbour) << what;
+  return literal.ierror;
+}
+
+// A lattice of `columns` x `rows` points 10 apart: every square's corners
+// are cocircular, every row and column collinear.
+std::vector<double> lattice(int columns, int rows, double x0, double y0) {
+  std::vector<double> points;
+  for (int j = 0; j < rows; ++j) {
+    for (int i = 0; i < columns; ++i) {
+      points.push_back(x0 + 10.0 * i);
+      points.push_back(y0 + 10.0 * j);
+    }
+  }
+  return points;
+}
+
+TEST(Dtris2Insertion, SeededUniformSetsOfManySizes) {
+  tesseramill_test::Random random(181);
+  Dtris2Workspace work;
+  for (int trial = 0; trial < 120; ++trial) {
+    const int n = 3 + (trial * trial * 7) % 3000;
+    const double offset = trial % 2 == 0 ? 1000.0 : 4.5e6;
+    std::vector<double> points;
+    for (int k = 0; k < n; ++k) {
+      points.push_back(offset + random.uniform(0, 2000));
+      points.push_back(offset + random.uniform(0, 700));
+    }
+    EXPECT_EQ(expect_same(points, work, "uniform trial " + std::to_string(trial)), 0);
+  }
+}
+
+TEST(Dtris2Insertion, LatticesWithCocircularSquaresAndCollinearRows) {
+  Dtris2Workspace work;
+  for (int columns : {1, 2, 3, 7, 40}) {
+    for (int rows : {2, 3, 9, 25}) {
+      const std::string what = "lattice " + std::to_string(columns) + "x" + std::to_string(rows);
+      // A single column is all on one line: 225 from both.
+      EXPECT_EQ(expect_same(lattice(columns, rows, 1000.0, 1000.0), work, what), columns == 1 ? 225 : 0);
+    }
+  }
+}
+
+TEST(Dtris2Insertion, PointsOnTheEdgesOfALattice) {
+  // Midpoints of the lattice's edges and centres of its squares lie on the
+  // edges and diagonals that the insertion makes.
+  tesseramill_test::Random random(182);
+  Dtris2Workspace work;
+  for (int trial = 0; trial < 20; ++trial) {
+    std::vector<double> points = lattice(12, 12, 1000.0, 1000.0);
+    for (int k = 0; k < 40; ++k) {
+      const double i = std::floor(random.uniform(0, 11));
+      const double j = std::floor(random.uniform(0, 11));
+      const int kind = static_cast<int>(random.uniform(0, 3));
+      points.push_back(1000.0 + 10.0 * i + (kind == 1 ? 0.0 : 5.0));
+      points.push_back(1000.0 + 10.0 * j + (kind == 0 ? 0.0 : 5.0));
+    }
+    // Duplicates among the added points give 224 from both routines.
+    expect_same(points, work, "edge points trial " + std::to_string(trial));
+  }
+}
+
+TEST(Dtris2Insertion, CollinearRunsAtTheStartAndAlongTheHull) {
+  Dtris2Workspace work;
+  for (int run_length : {2, 3, 10, 200}) {
+    for (double off : {-3.0, 3.0}) {
+      // A vertical run enters first (equal x), then a point left or right of
+      // it: the first fan has run_length - 1 triangles on either side.
+      std::vector<double> points;
+      for (int k = 0; k < run_length; ++k) {
+        points.push_back(1000.0);
+        points.push_back(1000.0 + 2.0 * k);
+      }
+      points.push_back(1000.0 + std::fabs(off));
+      points.push_back(1000.0 + off * run_length);
+      // Then runs along horizontal and slanted lines, which stay on the hull.
+      for (int k = 0; k < run_length; ++k) {
+        points.push_back(1010.0 + 3.0 * k);
+        points.push_back(990.0);
+        points.push_back(1010.0 + 3.0 * k);
+        points.push_back(1000.0 + 2.0 * run_length + 0.5 * k);
+      }
+      EXPECT_EQ(expect_same(points, work, "run " + std::to_string(run_length) + " side " + std::to_string(off)), 0);
+    }
+  }
+}
+
+TEST(Dtris2Insertion, DuplicatesAndNearDuplicates) {
+  tesseramill_test::Random random(183);
+  Dtris2Workspace work;
+  for (int trial = 0; trial < 30; ++trial) {
+    std::vector<double> points;
+    for (int k = 0; k < 50 + trial; ++k) {
+      points.push_back(1000.0 + random.uniform(0, 100));
+      points.push_back(1000.0 + random.uniform(0, 100));
+    }
+    const std::size_t copy = 2 * static_cast<std::size_t>(trial % 40);
+    // An exact copy, a copy within the tolerance, or a point just beyond it.
+    const double factor = trial % 3 == 0 ? 1.0 : trial % 3 == 1 ? 1.0 + 1e-15 : 1.0 + 1e-12;
+    points.push_back(points[copy] * factor);
+    points.push_back(points[copy + 1]);
+    EXPECT_EQ(expect_same(points, work, "duplicate trial " + std::to_string(trial)), trial % 3 == 2 ? 0 : 224);
+  }
+}
+
+TEST(Dtris2Insertion, CocircularRingsAndJitteredHexagonalGrids) {
+  tesseramill_test::Random random(184);
+  Dtris2Workspace work;
+  for (int trial = 0; trial < 12; ++trial) {
+    std::vector<double> points;
+    // Rings of points on common circles, round a common centre.
+    for (int ring = 1; ring <= 3 + trial; ++ring) {
+      const int count = 6 * ring;
+      for (int k = 0; k < count; ++k) {
+        const double angle = 6.283185307179586 * k / count;
+        points.push_back(5000.0 + 10.0 * ring * std::cos(angle));
+        points.push_back(5000.0 + 10.0 * ring * std::sin(angle));
+      }
+    }
+    points.push_back(5000.0);
+    points.push_back(5000.0);
+    expect_same(points, work, "rings " + std::to_string(trial));
+    // A hexagonal grid moved a little, as Lloyd passes leave the points.
+    std::vector<double> grid;
+    const double jitter = trial % 4 == 0 ? 0.0 : 0.05 * trial;
+    for (int j = 0; j < 30; ++j) {
+      for (int i = 0; i < 30; ++i) {
+        grid.push_back(2000.0 + 10.0 * i + 5.0 * (j % 2) + random.uniform(-jitter, jitter));
+        grid.push_back(2000.0 + 8.660254037844386 * j + random.uniform(-jitter, jitter));
+      }
+    }
+    EXPECT_EQ(expect_same(grid, work, "hexagonal " + std::to_string(trial)), 0);
+  }
+}
+
+TEST(Dtris2Insertion, FewPointsAndTinyCoordinates) {
+  Dtris2Workspace work;
+  EXPECT_EQ(expect_same({}, work, "none"), 225);
+  EXPECT_EQ(expect_same({1, 1}, work, "one"), 225);
+  EXPECT_EQ(expect_same({0, 0, 1, 1}, work, "two"), 225);
+  EXPECT_EQ(expect_same({0, 0, 1, 0, 0, 1}, work, "three"), 0);
+  EXPECT_EQ(expect_same({0, 0, 1, 0, 0, 1, 1, 1}, work, "square"), 0);
+  EXPECT_EQ(expect_same({1e-15, 0, 0, 1e-15, 1, 1, 2, 0}, work, "below the tolerance"), 224);
+}
+
+}  // namespace
+}  // namespace tesseramill
