@@ -286,6 +286,9 @@ bool make_folder_read_only(const std::filesystem::path& folder) {
 
 const char* null_device() { return "NUL"; }
 
+// An empty value removes the variable from the C runtime's environment.
+void clear_environment_variable(const char* name) { _putenv_s(name, ""); }
+
 const char* screen_line_end() { return "\r\n"; }
 
 #else
@@ -379,6 +382,8 @@ bool make_folder_read_only(const std::filesystem::path& folder) {
 }
 
 const char* null_device() { return "/dev/null"; }
+
+void clear_environment_variable(const char* name) { ::unsetenv(name); }
 
 const char* screen_line_end() { return "\n"; }
 

@@ -90,6 +90,10 @@ std::filesystem::path fresh_temporary_folder(const std::string& prefix);
 // The device that swallows what is written to it.
 const char* null_device();
 
+// Removes a variable from this process's environment, and so from the
+// environment of the children it starts afterwards.
+void clear_environment_variable(const char* name);
+
 // Makes a folder refuse new files: on Linux by its permission bits, on
 // Windows by an access rule that denies everyone adding files or folders to
 // it.  Gives whether the system took the change.  An administrator or root
