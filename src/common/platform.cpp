@@ -289,6 +289,8 @@ const char* null_device() { return "NUL"; }
 // An empty value removes the variable from the C runtime's environment.
 void clear_environment_variable(const char* name) { _putenv_s(name, ""); }
 
+std::int64_t process_id() { return static_cast<std::int64_t>(GetCurrentProcessId()); }
+
 const char* screen_line_end() { return "\r\n"; }
 
 #else
@@ -384,6 +386,8 @@ bool make_folder_read_only(const std::filesystem::path& folder) {
 const char* null_device() { return "/dev/null"; }
 
 void clear_environment_variable(const char* name) { ::unsetenv(name); }
+
+std::int64_t process_id() { return static_cast<std::int64_t>(::getpid()); }
 
 const char* screen_line_end() { return "\n"; }
 

@@ -5,6 +5,8 @@
 // Everything else in the system is plain portable C++.
 #pragma once
 
+#include <cstdint>
+
 #include <cstdio>
 #include <filesystem>
 #include <optional>
@@ -89,6 +91,9 @@ std::filesystem::path fresh_temporary_folder(const std::string& prefix);
 
 // The device that swallows what is written to it.
 const char* null_device();
+
+// This process's number, as the system gives it.
+std::int64_t process_id();
 
 // Removes a variable from this process's environment, and so from the
 // environment of the children it starts afterwards.

@@ -4,9 +4,9 @@
 #include <fstream>
 #include <ostream>
 #include <sstream>
-#include <unistd.h>
 
 #include "common/failure.h"
+#include "common/platform.h"
 #include "gis/import_options.h"
 #include "gis/layer_source.h"
 #include "gis/model_build.h"
@@ -148,7 +148,7 @@ void import_model(RunState& state, const std::vector<std::string>& args, std::os
   // Written whole into a folder beside the target, checked, and only then
   // moved into place, so that a failure leaves the target as it was.
   const fs::path parent = fs::absolute(out_dir).parent_path();
-  const fs::path staging = parent / (".tesseramill-gis-" + format_integer(static_cast<std::int64_t>(getpid())));
+  const fs::path staging = parent / (".tesseramill-gis-" + format_integer(process_id()));
   fs::remove_all(staging, error);
   write_folder(state, staging, files);
   check_with_mesher(state, staging, files.front().name);
