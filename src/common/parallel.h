@@ -30,6 +30,13 @@ inline constexpr std::size_t kSmallestSharedWork = 20000;
 // two-core run's.
 inline std::atomic<std::size_t> smallest_shared_work{kSmallestSharedWork};
 
+// Interior emplacement shares a cycle's seeds between two threads from this
+// many seeds on (see emplacement/shared_cycle.h): a cycle of a thousand
+// seeds takes some milliseconds, against some tens of microseconds to start
+// the second thread.  Tests raise it as they raise smallest_shared_work.
+inline constexpr std::size_t kSmallestSharedCycle = 1000;
+inline std::atomic<std::size_t> smallest_shared_cycle{kSmallestSharedCycle};
+
 // Runs work(begin, end, part) over [0, count), as two halves on two threads
 // (part 0 and part 1) when there are at least `smallest` items, and gives the
 // failure of the lowest item, if any.  `work` returns a PartFailure.

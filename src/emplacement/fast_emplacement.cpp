@@ -41,18 +41,19 @@ constexpr double kLargest = 1.7976931348623157e+308;
 double clearance(double s) { return s * s * kPointClearanceFactor; }
 
 struct Grid {
-  const EmplacementGrid& grid;
+  const std::vector<double>& grid_x;
+  const std::vector<double>& grid_y;
   std::int32_t nsdim;
   std::int32_t half;
-  double x(std::int32_t k) const { return grid.grid_x[static_cast<std::size_t>(k + half)]; }
-  double y(std::int32_t j) const { return grid.grid_y[static_cast<std::size_t>(j + half)]; }
+  double x(std::int32_t k) const { return grid_x[static_cast<std::size_t>(k + half)]; }
+  double y(std::int32_t j) const { return grid_y[static_cast<std::size_t>(j + half)]; }
   std::size_t at(std::int32_t k, std::int32_t j) const {
     return static_cast<std::size_t>((j + half) * nsdim + (k + half));
   }
 };
 
 // The exact separation at candidate (k, j), worked out once.
-double exact_separation(RunState& state, FastEmplacement& f, const Grid& g, std::int32_t k, std::int32_t j) {
+double exact_separation(const RunState& state, ProposalScratch& f, const Grid& g, std::int32_t k, std::int32_t j) {
   double& s = f.exact[g.at(k, j)];
   if (std::isnan(s)) s = local_separation(state, g.x(k), g.y(j), state.control.poly_growth_rate);
   return s;
@@ -71,7 +72,7 @@ std::int32_t tiles_per_side(const Grid& g) { return (g.nsdim + kTileSide - 1) / 
 
 // Forgets the tiles of the grid before: the grid or the rectangle's sources
 // have changed.
-void reset_tiles(FastEmplacement& f, const Grid& g) {
+void reset_tiles(ProposalScratch& f, const Grid& g) {
   const std::size_t count = static_cast<std::size_t>(tiles_per_side(g)) * static_cast<std::size_t>(tiles_per_side(g));
   if (f.tiles.size() < count) f.tiles.resize(count);
   f.tile_kept.assign(count, 0);
@@ -91,7 +92,7 @@ TileRange tile_range(const Grid& g, std::int32_t ti, std::int32_t tj) {
 }
 
 // The tile of candidate (k, j), its sources kept when first asked for.
-const TileSources& tile_of(const RunState& state, FastEmplacement& f, const Grid& g, std::int32_t k, std::int32_t j) {
+const TileSources& tile_of(const RunState& state, ProposalScratch& f, const Grid& g, std::int32_t k, std::int32_t j) {
   const std::int32_t ti = (k + g.half) / kTileSide;
   const std::int32_t tj = (j + g.half) / kTileSide;
   const std::size_t t = static_cast<std::size_t>(tj * tiles_per_side(g) + ti);
@@ -112,7 +113,7 @@ const TileSources& tile_of(const RunState& state, FastEmplacement& f, const Grid
 
 // Whether a listed point at squared distance `d2min` (the nearest) strikes
 // candidate (k, j), when the rectangle's bounds left it open.
-bool struck_by_point(RunState& state, FastEmplacement& f, const Grid& g, std::int32_t k, std::int32_t j,
+bool struck_by_point(const RunState& state, ProposalScratch& f, const Grid& g, std::int32_t k, std::int32_t j,
                      double d2min) {
   const TileSources& tile = tile_of(state, f, g, k, j);
   // The clearance rises with s, rounding included, so bounds on s bound it.
@@ -127,7 +128,7 @@ bool struck_by_point(RunState& state, FastEmplacement& f, const Grid& g, std::in
 }
 
 // Whether a boundary segment at distance `distance` strikes candidate (k, j).
-bool struck_by_segment(RunState& state, FastEmplacement& f, const Grid& g, std::int32_t k, std::int32_t j,
+bool struck_by_segment(const RunState& state, ProposalScratch& f, const Grid& g, std::int32_t k, std::int32_t j,
                        double distance) {
   if (f.field.lo > distance) return true;
   if (!(f.field.hi > distance)) return false;
@@ -167,7 +168,7 @@ bool any_candidate_in_domain(const RunState& state, const Grid& g) {
 // rectangle what point_in_domain gives at every point of it; the
 // candidates of the other tiles are tested one by one.  Each candidate is
 // decided alone, so the order of the tests does not matter.
-void strike_outside_domain(const RunState& state, FastEmplacement& f, const Grid& g) {
+void strike_outside_domain(const RunState& state, ProposalScratch& f, const Grid& g) {
   for (std::int32_t tj = 0; tj < tiles_per_side(g); ++tj) {
     for (std::int32_t ti = 0; ti < tiles_per_side(g); ++ti) {
       const TileRange r = tile_range(g, ti, tj);
@@ -195,7 +196,7 @@ void strike_outside_domain(const RunState& state, FastEmplacement& f, const Grid
 // largest at an end of its range of columns or rows, so over a rectangle of
 // candidates it is largest at one of the four corners: when all four lie
 // closer than the smallest clearance, every candidate between does.
-void strike_squares(FastEmplacement& f, const Grid& g, double h, double x0, double y0, double limit_lo) {
+void strike_squares(ProposalScratch& f, const Grid& g, double h, double x0, double y0, double limit_lo) {
   if (!(limit_lo > 0.0)) return;
   const double half_side = std::sqrt(limit_lo) * 0.7071;
   auto first_index = [&](double from, double origin) {
@@ -233,7 +234,7 @@ void strike_squares(FastEmplacement& f, const Grid& g, double h, double x0, doub
 // squares of sure strikes, then the rest row by row, where a row sees only
 // the points within the largest clearance of it, and a candidate only those
 // of them within that clearance in x, taken from the points sorted by x.
-void strike_near_points(RunState& state, FastEmplacement& f, const Grid& g, double h, double x0, double y0) {
+void strike_near_points(const RunState& state, ProposalScratch& f, const Grid& g, double h, double x0, double y0) {
   const double limit_lo = clearance(f.field.lo);
   const double limit_hi = clearance(f.field.hi);
   strike_squares(f, g, h, x0, y0, limit_lo);
@@ -283,7 +284,7 @@ void strike_near_points(RunState& state, FastEmplacement& f, const Grid& g, doub
 
 // Strikes the open candidates that a boundary segment lies too close to;
 // only segments within the field's upper bound of the grid can.
-void strike_near_segments(RunState& state, FastEmplacement& f, const Grid& g) {
+void strike_near_segments(const RunState& state, const SegmentIndex& segments, ProposalScratch& f, const Grid& g) {
   const double xlo = g.x(-g.half);
   const double xhi = g.x(g.half);
   const double ylo = g.y(-g.half);
@@ -291,9 +292,9 @@ void strike_near_segments(RunState& state, FastEmplacement& f, const Grid& g) {
   // distance_to_segment is off by far less than this from the true distance.
   const double reach =
       f.field.hi * (1.0 + 1e-9) + 1e-9 * (std::fabs(xlo) + std::fabs(xhi) + std::fabs(ylo) + std::fabs(yhi));
-  const std::vector<double>& ends = f.segments.ends;
-  if (f.segments.built) {
-    segments_near(f.segments, xlo, xhi, ylo, yhi, reach, f.close_segments);
+  const std::vector<double>& ends = segments.ends;
+  if (segments.built) {
+    segments_near(segments, xlo, xhi, ylo, yhi, reach, f.close_segments);
   } else {
     f.close_segments.resize(ends.size() / 4);
     std::iota(f.close_segments.begin(), f.close_segments.end(), 0);
@@ -317,7 +318,7 @@ void strike_near_segments(RunState& state, FastEmplacement& f, const Grid& g) {
 // The literal choice among the open candidates: the smallest score
 // |distance to the seed - sep| + min over other listed points of
 // |distance - sep|, the first in scan order on a tie.
-bool choose(FastEmplacement& f, const Grid& g, std::int32_t seed, double x0, double y0, double sep, double& x,
+bool choose(ProposalScratch& f, const Grid& g, std::int32_t seed, double x0, double y0, double sep, double& x,
             double& y) {
   f.open_list.clear();
   f.seed_term.clear();
@@ -402,6 +403,10 @@ void start_fast_emplacement(RunState& state) {
   for (std::size_t k = 0; k + 1 < outer.size(); k += 2) widen(outer[k], outer[k + 1]);
   const std::vector<double>& points = state.mesh.mesh_points;
   for (std::int32_t p = 0; p < state.mesh.mesh_point_count; ++p) widen(points[2 * p], points[2 * p + 1]);
+  f.xlo = xlo;
+  f.xhi = xhi;
+  f.ylo = ylo;
+  f.yhi = yhi;
   start_mesh_point_index(f.mesh_index, &state.mesh.mesh_points, xlo, xhi, ylo, yhi);
   for (std::int32_t p = 1; p <= state.mesh.mesh_point_count; ++p) insert_mesh_point(f.mesh_index, p);
 
@@ -425,15 +430,35 @@ void start_fast_emplacement(RunState& state) {
   f.ready = true;
 }
 
-bool choose_from_seed_fast(RunState& state, std::int32_t seed, double& x, double& y) {
-  FastEmplacement& f = state.fast_emplacement;
-  const MeshPointList& mesh = state.mesh;
+PointView run_points(const RunState& state) {
+  PointView view;
+  view.index = &state.fast_emplacement.mesh_index;
+  view.coordinates = &state.mesh.mesh_points;
+  view.count = state.mesh.mesh_point_count;
+  return view;
+}
+
+void points_in_view(const PointView& view, double xlo, double xhi, double ylo, double yhi,
+                    std::vector<std::int32_t>& out, std::vector<std::int32_t>& scratch) {
+  points_in_box(*view.index, xlo, xhi, ylo, yhi, out);
+  if (view.own == nullptr) return;
+  // The part's own points are numbered on from the run's, in the order they
+  // were placed, so the list stays ascending.
+  points_in_box(*view.own, xlo, xhi, ylo, yhi, scratch);
+  for (std::int32_t q : scratch) out.push_back(view.count + q);
+}
+
+void propose_fast(const RunState& state, ProposalScratch& f, const PointView& view, std::int32_t seed,
+                  Proposal& out) {
+  out = Proposal{};
   const double growth = state.control.poly_growth_rate;
   const std::int32_t nsdim = state.control.nsdim;
-  EmplacementGrid& grid = state.grid;
-  const Grid g{grid, nsdim, grid.half};
-  const double x0 = mesh.mesh_points[2 * static_cast<std::size_t>(seed - 1)];
-  const double y0 = mesh.mesh_points[2 * static_cast<std::size_t>(seed - 1) + 1];
+  const std::int32_t half = nsdim / 2;
+  f.grid_x.resize(static_cast<std::size_t>(nsdim));
+  f.grid_y.resize(static_cast<std::size_t>(nsdim));
+  const Grid g{f.grid_x, f.grid_y, nsdim, half};
+  const double x0 = view.x(seed);
+  const double y0 = view.y(seed);
   const double sep = local_separation(state, x0, y0, growth);
   double box = sep;
   int domain = kMixed;
@@ -442,16 +467,28 @@ bool choose_from_seed_fast(RunState& state, std::int32_t seed, double& x, double
     h = box * 3.0 / nsdim;
     // A grid that is no longer finite has no rectangle to bound or index.
     if (!std::isfinite(h) || !std::isfinite(x0) || !std::isfinite(y0) || !(h > 0.0)) {
-      return choose_from_seed_reference(state, seed, x, y);
+      out.literal = true;
+      return;
     }
     for (std::int32_t k = -g.half; k <= g.half; ++k) {
-      grid.grid_x[static_cast<std::size_t>(k + g.half)] = k * h + x0;
-      grid.grid_y[static_cast<std::size_t>(k + g.half)] = k * h + y0;
+      f.grid_x[static_cast<std::size_t>(k + g.half)] = k * h + x0;
+      f.grid_y[static_cast<std::size_t>(k + g.half)] = k * h + y0;
     }
     domain = rectangle_in_domain(state, g.x(-g.half), g.x(g.half), g.y(-g.half), g.y(g.half));
-    if (domain == kOutside) return false;
-    if (domain == kMixed && !any_candidate_in_domain(state, g)) return false;
-    points_in_box(f.mesh_index, g.x(-g.half) - box, g.x(g.half) + box, g.y(-g.half) - box, g.y(g.half) + box, f.near);
+    if (domain == kOutside) return;
+    if (domain == kMixed && !any_candidate_in_domain(state, g)) return;
+    const double xlo = g.x(-g.half) - box;
+    const double xhi = g.x(g.half) + box;
+    const double ylo = g.y(-g.half) - box;
+    const double yhi = g.y(g.half) + box;
+    points_in_view(view, xlo, xhi, ylo, yhi, f.near, f.own_near);
+    // The boxes of the growing grid hold one another, but the widest of all
+    // is kept as it stands, so that it holds every box searched.
+    out.xlo = out.searched ? std::min(out.xlo, xlo) : xlo;
+    out.xhi = out.searched ? std::max(out.xhi, xhi) : xhi;
+    out.ylo = out.searched ? std::min(out.ylo, ylo) : ylo;
+    out.yhi = out.searched ? std::max(out.yhi, yhi) : yhi;
+    out.searched = true;
     if (f.near.size() >= 5) break;
     box *= growth;
   }
@@ -459,7 +496,10 @@ bool choose_from_seed_fast(RunState& state, std::int32_t seed, double& x, double
   bound_field(state, g.x(-g.half), g.x(g.half), g.y(-g.half), g.y(g.half), f.field);
   // Without safe bounds of the field (a growth rate they do not serve) the
   // literal steps decide.
-  if (!f.field.usable) return choose_from_seed_reference(state, seed, x, y);
+  if (!f.field.usable) {
+    out.literal = true;
+    return;
+  }
   reset_tiles(f, g);
 
   const std::size_t candidates = static_cast<std::size_t>(nsdim) * static_cast<std::size_t>(nsdim);
@@ -468,18 +508,17 @@ bool choose_from_seed_fast(RunState& state, std::int32_t seed, double& x, double
 
   // The listed points sorted by x, with their numbers.
   f.near_number = f.near;
-  std::sort(f.near_number.begin(), f.near_number.end(), [&](std::int32_t a, std::int32_t b) {
-    return mesh.mesh_points[2 * static_cast<std::size_t>(a - 1)] < mesh.mesh_points[2 * static_cast<std::size_t>(b - 1)];
-  });
+  std::sort(f.near_number.begin(), f.near_number.end(),
+            [&](std::int32_t a, std::int32_t b) { return view.x(a) < view.x(b); });
   f.near_x.clear();
   f.near_y.clear();
   for (std::int32_t p : f.near_number) {
-    f.near_x.push_back(mesh.mesh_points[2 * static_cast<std::size_t>(p - 1)]);
-    f.near_y.push_back(mesh.mesh_points[2 * static_cast<std::size_t>(p - 1) + 1]);
+    f.near_x.push_back(view.x(p));
+    f.near_y.push_back(view.y(p));
   }
 
   strike_near_points(state, f, g, h, x0, y0);
-  strike_near_segments(state, f, g);
+  strike_near_segments(state, state.fast_emplacement.segments, f, g);
   if (domain != kInside) strike_outside_domain(state, f, g);
   // Isolated candidates inside the rim, twice, exactly as the literal step;
   // only open candidates can change, so the passes visit those alone, in
@@ -500,7 +539,16 @@ bool choose_from_seed_fast(RunState& state, std::int32_t seed, double& x, double
       }
     }
   }
-  return choose(f, g, seed, x0, y0, sep, x, y);
+  out.chosen = choose(f, g, seed, x0, y0, sep, out.x, out.y);
+}
+
+bool choose_from_seed_fast(RunState& state, std::int32_t seed, double& x, double& y) {
+  Proposal proposal;
+  propose_fast(state, state.fast_emplacement.scratch, run_points(state), seed, proposal);
+  if (proposal.literal) return choose_from_seed_reference(state, seed, x, y);
+  x = proposal.x;
+  y = proposal.y;
+  return proposal.chosen;
 }
 
 }  // namespace tesseramill

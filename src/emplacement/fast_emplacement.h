@@ -1,5 +1,5 @@
-// The working state of the fast proposal: the mesh points and the boundary
-// segments by place, and scratch tables reused from seed to seed.
+// The fast proposal of interior emplacement: the mesh points and the
+// boundary segments by place, and scratch tables reused from seed to seed.
 #pragma once
 
 #include <cstdint>
@@ -13,10 +13,13 @@ namespace tesseramill {
 
 struct RunState;
 
-struct FastEmplacement {
-  bool ready = false;
-  MeshPointIndex mesh_index;
-  SegmentIndex segments;
+// The tables one proposal works in; each thread that proposes has its own.
+// Two of them never share a cache line, so that the growing and clearing
+// of one thread's tables does not slow the other's.
+struct alignas(64) ProposalScratch {
+  // The candidate columns and rows, index k + half.
+  std::vector<double> grid_x;
+  std::vector<double> grid_y;
   FieldBounds field;
   // The grid cut into tiles of kTileSide x kTileSide candidates, each with
   // the field's sources that matter in it, kept when first needed.
@@ -24,6 +27,7 @@ struct FastEmplacement {
   std::vector<std::uint8_t> tile_kept;
   // The near list in ascending order, and its points sorted by x.
   std::vector<std::int32_t> near;
+  std::vector<std::int32_t> own_near;
   std::vector<std::int32_t> near_number;
   std::vector<double> near_x;
   std::vector<double> near_y;
@@ -38,12 +42,84 @@ struct FastEmplacement {
   std::vector<double> seed_term;
 };
 
+struct FastEmplacement {
+  bool ready = false;
+  // Every mesh point of the run by place, over the region below.
+  MeshPointIndex mesh_index;
+  double xlo = 0.0;
+  double xhi = 0.0;
+  double ylo = 0.0;
+  double yhi = 0.0;
+  SegmentIndex segments;
+  ProposalScratch scratch;
+  // The second thread's, while a cycle's seeds are shared.
+  ProposalScratch second_scratch;
+  // Seeds of the cycles shared between two threads, and those of them that
+  // proposed again at their turn, because a point they did not see lay
+  // where they had looked.
+  std::int64_t shared_seeds = 0;
+  std::int64_t proposed_again = 0;
+};
+
+// The mesh points a proposal sees: the run's points 1 to `count`, found
+// through `index`, and, while a cycle's seeds are shared between two
+// threads, the points that this thread has placed in the cycle so far,
+// numbered on from `count` in the order they were placed.
+struct PointView {
+  const MeshPointIndex* index = nullptr;
+  const std::vector<double>* coordinates = nullptr;  // x,y pairs of points 1 to count
+  std::int32_t count = 0;
+  const MeshPointIndex* own = nullptr;
+  const std::vector<double>* own_coordinates = nullptr;
+
+  double x(std::int32_t p) const {
+    return p <= count ? (*coordinates)[2 * static_cast<std::size_t>(p - 1)]
+                      : (*own_coordinates)[2 * static_cast<std::size_t>(p - count - 1)];
+  }
+  double y(std::int32_t p) const {
+    return p <= count ? (*coordinates)[2 * static_cast<std::size_t>(p - 1) + 1]
+                      : (*own_coordinates)[2 * static_cast<std::size_t>(p - count - 1) + 1];
+  }
+};
+
+// What one seed proposes, and what it looked at to decide.
+struct Proposal {
+  bool chosen = false;  // a candidate was left: (x, y)
+  double x = 0.0;
+  double y = 0.0;
+  // The literal steps must decide: the grid is no longer finite, or the
+  // field has no safe bounds at this growth rate.
+  bool literal = false;
+  // Mesh points were listed, all of them from inside [xlo, xhi] x [ylo, yhi];
+  // none outside it played any part.  Without it, the outcome depends on no
+  // mesh point at all but the seed.
+  bool searched = false;
+  double xlo = 0.0;
+  double xhi = 0.0;
+  double ylo = 0.0;
+  double yhi = 0.0;
+};
+
 // Builds the indexes the fast proposal needs from the mesh points placed so
 // far and the boundaries.
 void start_fast_emplacement(RunState& state);
 
-// The candidate that the literal steps of seed `seed` choose, worked out
-// with indexes and bounds; false when none is left.
+// Every mesh point of the run, as the index holds them.
+PointView run_points(const RunState& state);
+
+// The points of `view` with xlo <= x <= xhi and ylo <= y <= yhi, ascending,
+// as points_in_box lists them; `scratch` is working space.
+void points_in_view(const PointView& view, double xlo, double xhi, double ylo, double yhi,
+                    std::vector<std::int32_t>& out, std::vector<std::int32_t>& scratch);
+
+// What the literal steps of seed `seed` (one of the run's points in `view`)
+// choose among the points of `view`, worked out with indexes and bounds;
+// reads the run state and writes only `scratch` and `out`.
+void propose_fast(const RunState& state, ProposalScratch& scratch, const PointView& view, std::int32_t seed,
+                  Proposal& out);
+
+// The candidate that the literal steps of seed `seed` choose among all the
+// run's mesh points; false when none is left.
 bool choose_from_seed_fast(RunState& state, std::int32_t seed, double& x, double& y);
 
 }  // namespace tesseramill

@@ -8,9 +8,7 @@ namespace tesseramill {
 namespace {
 
 constexpr std::size_t kLeafPoints = 16;
-// A cell this deep is not split again: its points share a place to within
-// 2^-40 of the region, as duplicate points do.
-constexpr std::int32_t kDeepest = 40;
+constexpr std::int32_t kDeepest = kMeshIndexDeepest;
 
 double px(const MeshPointIndex& index, std::int32_t number) {
   return (*index.coordinates)[2 * static_cast<std::size_t>(number - 1)];

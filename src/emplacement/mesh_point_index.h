@@ -2,10 +2,15 @@
 // a seed's near list is found without a scan over every mesh point.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <vector>
 
 namespace tesseramill {
+
+// A cell this deep is not split again: its points share a place to within
+// 2^-40 of the region, as duplicate points do.
+inline constexpr std::int32_t kMeshIndexDeepest = 40;
 
 // A quadtree of square cells over a fixed region.  A cell holds up to
 // kLeafPoints point numbers before it is split in four; points outside the
@@ -37,5 +42,41 @@ void insert_mesh_point(MeshPointIndex& index, std::int32_t number);
 // ascending order, as a scan over every point would list them.
 void points_in_box(const MeshPointIndex& index, double xlo, double xhi, double ylo, double yhi,
                    std::vector<std::int32_t>& out);
+
+// Whether `test(number)` holds for a point with xlo <= x <= xhi and
+// ylo <= y <= yhi; stops at the first that it holds for.
+template <typename Test>
+bool any_point_in_box(const MeshPointIndex& index, double xlo, double xhi, double ylo, double yhi, Test test) {
+  const std::vector<double>& coordinates = *index.coordinates;
+  auto holds = [&](std::int32_t number) {
+    const double x = coordinates[2 * static_cast<std::size_t>(number - 1)];
+    const double y = coordinates[2 * static_cast<std::size_t>(number - 1) + 1];
+    return x >= xlo && x <= xhi && y >= ylo && y <= yhi && test(number);
+  };
+  for (std::int32_t number : index.elsewhere) {
+    if (holds(number)) return true;
+  }
+  if (index.cells.empty()) return false;
+  std::int32_t stack[4 * kMeshIndexDeepest + 8];
+  std::int32_t top = 0;
+  stack[top++] = 0;
+  while (top > 0) {
+    const MeshPointIndex::Cell& cell = index.cells[static_cast<std::size_t>(stack[--top])];
+    // The same slack as points_in_box allows for the halvings.
+    const double slack = 1e-12 * (std::fabs(cell.x0) + std::fabs(cell.y0) + cell.size);
+    if (cell.x0 - slack > xhi || cell.x0 + cell.size + slack < xlo || cell.y0 - slack > yhi ||
+        cell.y0 + cell.size + slack < ylo) {
+      continue;
+    }
+    if (cell.first_child < 0) {
+      for (std::int32_t number : cell.points) {
+        if (holds(number)) return true;
+      }
+    } else {
+      for (std::int32_t q = 0; q < 4; ++q) stack[top++] = cell.first_child + q;
+    }
+  }
+  return false;
+}
 
 }  // namespace tesseramill

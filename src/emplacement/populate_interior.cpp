@@ -4,10 +4,12 @@
 #include <ostream>
 
 #include "common/failure.h"
+#include "common/parallel.h"
 #include "common/text_tools.h"
 #include "emplacement/fast_emplacement.h"
 #include "emplacement/interior_emplacement.h"
 #include "emplacement/minimum_separation.h"
+#include "emplacement/shared_cycle.h"
 #include "output/number_format.h"
 #include "run/phases.h"
 
@@ -39,8 +41,13 @@ void populate_interior(RunState& state) {
     seed_after = seed_range_start(state, cycle, seed_after);
     if (n <= seed_after) break;
     std::int32_t added = 0;
-    for (std::int32_t seed = seed_after + 1; seed <= n; ++seed) {
-      if (propose_from_seed(state, seed, cycle)) ++added;
+    const std::size_t seeds = static_cast<std::size_t>(n - seed_after);
+    if (state.fast_emplacement.ready && !state.reference_paths && seeds >= smallest_shared_cycle.load(std::memory_order_relaxed)) {
+      added = propose_in_parts(state, seed_after + 1, n, cycle);
+    } else {
+      for (std::int32_t seed = seed_after + 1; seed <= n; ++seed) {
+        if (propose_from_seed(state, seed, cycle)) ++added;
+      }
     }
     if (added == 0) break;
   }

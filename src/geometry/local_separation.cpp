@@ -44,9 +44,9 @@ GrowthConstants constants_for(double growth) {
 }
 
 // The run calls the field with one growth rate throughout, so its constants
-// are worked out once and kept.
+// are worked out once and kept, by each thread that asks for the field.
 const GrowthConstants& cached_constants_for(double growth) {
-  static GrowthConstants cached = constants_for(2.0);
+  thread_local GrowthConstants cached = constants_for(2.0);
   if (cached.growth != growth) cached = constants_for(growth);
   return cached;
 }

@@ -30,9 +30,15 @@ WholeRun run_in(const fs::path& dir, const std::string& control, const tesserami
   return run;
 }
 
-OneCore::OneCore() { tesseramill::smallest_shared_work = std::numeric_limits<std::size_t>::max(); }
+OneCore::OneCore() {
+  tesseramill::smallest_shared_work = std::numeric_limits<std::size_t>::max();
+  tesseramill::smallest_shared_cycle = std::numeric_limits<std::size_t>::max();
+}
 
-OneCore::~OneCore() { tesseramill::smallest_shared_work = tesseramill::kSmallestSharedWork; }
+OneCore::~OneCore() {
+  tesseramill::smallest_shared_work = tesseramill::kSmallestSharedWork;
+  tesseramill::smallest_shared_cycle = tesseramill::kSmallestSharedCycle;
+}
 
 void expect_same_runs(const WholeRun& expected, const WholeRun& actual) {
   EXPECT_EQ(actual.screen, expected.screen);

@@ -1,0 +1,204 @@
+#include "emplacement/shared_cycle.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstring>
+#include <exception>
+#include <thread>
+#include <vector>
+
+#include "common/run_state.h"
+#include "emplacement/chains.h"
+#include "emplacement/fast_emplacement.h"
+
+namespace tesseramill {
+
+// Why the points come out as in the sequential run.
+//
+// A proposal reads the run state, which does not change during emplacement
+// but for the mesh points, and of the mesh points only those that its
+// growing search boxes list, in ascending order, with their coordinates.
+// Their numbers matter only to tell the seed, which is a point from before
+// the cycle in both runs.  So two proposals of the same seed that list the
+// same coordinates in the same order, box for box, choose the same.
+//
+// While proposing, part p of the seeds sees the points from before the
+// cycle and its own new points, in the order it placed them.  At the
+// commit, in seed order, the points of the run at seed s's turn are those
+// from before the cycle and the points committed so far.  Inside the widest
+// box that s searched the two agree when
+//   - every point committed in this cycle that lies in the box was placed
+//     by a seed of part p with the very bits that part p placed, so that
+//     part p saw it, in the same order, since both keep seed order; and
+//   - no point that part p placed and the commit did not lies in the box.
+// The boxes of a growing grid lie inside the widest, so then every list the
+// proposal took is the sequential run's, and its outcome is too.  A
+// proposal that fails either test, or that left the choice to the literal
+// steps, is made again at its turn from the run's points, exactly as the
+// sequential run makes it.
+
+namespace {
+
+// A point committed in this cycle that no part saw as it stands.
+constexpr std::uint8_t kSeenByNone = 0xff;
+
+// The seeds are cut into this many slabs across the wider side of the box
+// that holds them, each slab a part with its own view; the two threads take
+// the slabs one after another, so that a thread that finishes early takes
+// more of them.  Which thread proposes for a slab changes nothing, and more
+// slabs only mean more seeds near a slab's edge that propose again.
+constexpr std::size_t kSlabs = 8;
+
+struct alignas(64) Part {
+  // The points this part placed while proposing, numbered from 1.
+  std::vector<double> own_coordinates;
+  MeshPointIndex own;
+  // Points this part placed that the commit did not.
+  std::vector<double> strays;
+  MeshPointIndex stray_index;
+};
+
+bool same_bits(double a, double b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+
+// Part `part` proposes for its seeds in ascending order.
+void propose_part(const RunState& state, std::int32_t first, const std::vector<std::uint8_t>& part_of,
+                  std::uint8_t part, Part& own, ProposalScratch& scratch, std::vector<Proposal>& proposals) {
+  PointView view = run_points(state);
+  view.own = &own.own;
+  view.own_coordinates = &own.own_coordinates;
+  std::int32_t placed = 0;
+  for (std::size_t i = 0; i < part_of.size(); ++i) {
+    if (part_of[i] != part) continue;
+    Proposal& proposal = proposals[i];
+    propose_fast(state, scratch, view, first + static_cast<std::int32_t>(i), proposal);
+    if (!proposal.chosen || proposal.literal) continue;
+    own.own_coordinates.push_back(proposal.x);
+    own.own_coordinates.push_back(proposal.y);
+    insert_mesh_point(own.own, ++placed);
+  }
+}
+
+// Cuts the seeds into slabs of about equal counts across the wider side of
+// the box that holds them; false when they all fall in one.  Which slab a
+// seed goes to changes how much is proposed again, never what is placed,
+// so the comparisons need no care.
+bool cut_slabs(const RunState& state, std::int32_t first, std::int32_t last, std::vector<std::uint8_t>& part_of) {
+  const std::vector<double>& points = state.mesh.mesh_points;
+  const std::size_t count = static_cast<std::size_t>(last - first + 1);
+  auto coordinate = [&](std::size_t i, std::size_t axis) {
+    return points[2 * (static_cast<std::size_t>(first - 1) + i) + axis];
+  };
+  double lo[2] = {coordinate(0, 0), coordinate(0, 1)};
+  double hi[2] = {lo[0], lo[1]};
+  for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t axis = 0; axis < 2; ++axis) {
+      lo[axis] = std::min(lo[axis], coordinate(i, axis));
+      hi[axis] = std::max(hi[axis], coordinate(i, axis));
+    }
+  }
+  const std::size_t axis = hi[0] - lo[0] >= hi[1] - lo[1] ? 0 : 1;
+  std::vector<double> sorted(count);
+  for (std::size_t i = 0; i < count; ++i) sorted[i] = coordinate(i, axis);
+  std::sort(sorted.begin(), sorted.end());
+  std::vector<double> cuts;
+  for (std::size_t k = 1; k < kSlabs; ++k) cuts.push_back(sorted[k * count / kSlabs]);
+  part_of.resize(count);
+  std::size_t in_first = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    const double v = coordinate(i, axis);
+    part_of[i] = static_cast<std::uint8_t>(std::upper_bound(cuts.begin(), cuts.end(), v) - cuts.begin());
+    if (part_of[i] == part_of[0]) ++in_first;
+  }
+  return in_first < count;
+}
+
+}  // namespace
+
+std::int32_t propose_in_parts(RunState& state, std::int32_t first, std::int32_t last, std::int32_t cycle) {
+  FastEmplacement& f = state.fast_emplacement;
+  std::vector<std::uint8_t> part_of;
+  const bool split = cut_slabs(state, first, last, part_of);
+  std::vector<Proposal> proposals(part_of.size());
+  std::vector<Part> parts(kSlabs);
+  for (Part& part : parts) {
+    start_mesh_point_index(part.own, &part.own_coordinates, f.xlo, f.xhi, f.ylo, f.yhi);
+    start_mesh_point_index(part.stray_index, &part.strays, f.xlo, f.xhi, f.ylo, f.yhi);
+  }
+  if (split) {
+    const RunState& reading = state;
+    std::atomic<std::size_t> next{0};
+    auto work = [&](ProposalScratch& scratch) {
+      for (std::size_t k = next++; k < kSlabs; k = next++) {
+        propose_part(reading, first, part_of, static_cast<std::uint8_t>(k), parts[k], scratch, proposals);
+      }
+    };
+    std::exception_ptr thrown;
+    std::thread helper([&] {
+      try {
+        work(f.second_scratch);
+      } catch (...) {
+        thrown = std::current_exception();
+      }
+    });
+    try {
+      work(f.scratch);
+    } catch (...) {
+      helper.join();
+      throw;
+    }
+    helper.join();
+    if (thrown) std::rethrow_exception(thrown);
+  } else {
+    // Nothing proposed ahead: every seed proposes at its turn.
+    for (Proposal& proposal : proposals) proposal.literal = true;
+  }
+
+  // The commit, in seed order.  The points committed in this cycle are
+  // indexed on their own, with the part that saw each.
+  std::vector<double> committed;
+  MeshPointIndex committed_index;
+  start_mesh_point_index(committed_index, &committed, f.xlo, f.xhi, f.ylo, f.yhi);
+  std::vector<std::uint8_t> seen_by;
+  std::int32_t added = 0;
+  std::int64_t again = 0;
+  for (std::int32_t s = first; s <= last; ++s) {
+    const std::size_t i = static_cast<std::size_t>(s - first);
+    const Proposal& proposal = proposals[i];
+    const std::uint8_t part = part_of[i];
+    Part& own = parts[part];
+    bool stands = !proposal.literal;
+    if (stands && proposal.searched) {
+      const bool unseen = any_point_in_box(committed_index, proposal.xlo, proposal.xhi, proposal.ylo, proposal.yhi,
+                                           [&](std::int32_t q) { return seen_by[static_cast<std::size_t>(q - 1)] != part; });
+      stands = !unseen && !any_point_in_box(own.stray_index, proposal.xlo, proposal.xhi, proposal.ylo, proposal.yhi,
+                                            [](std::int32_t) { return true; });
+    }
+    bool chosen = proposal.chosen;
+    double x = proposal.x;
+    double y = proposal.y;
+    if (!stands) {
+      ++again;
+      chosen = choose_from_seed_fast(state, s, x, y);
+    }
+    const bool placed_by_part = proposal.chosen && !proposal.literal;
+    const bool as_part_placed = placed_by_part && chosen && same_bits(x, proposal.x) && same_bits(y, proposal.y);
+    if (placed_by_part && !as_part_placed) {
+      own.strays.push_back(proposal.x);
+      own.strays.push_back(proposal.y);
+      insert_mesh_point(own.stray_index, static_cast<std::int32_t>(own.strays.size() / 2));
+    }
+    if (!chosen) continue;
+    const std::int32_t number = append_mesh_point(state, x, y, cycle);
+    insert_mesh_point(f.mesh_index, number);
+    committed.push_back(x);
+    committed.push_back(y);
+    seen_by.push_back(as_part_placed ? part : kSeenByNone);
+    insert_mesh_point(committed_index, static_cast<std::int32_t>(seen_by.size()));
+    ++added;
+  }
+  f.shared_seeds += last - first + 1;
+  f.proposed_again += again;
+  return added;
+}
+
+}  // namespace tesseramill
