@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <algorithm>
+#include <functional>
 #include <string>
 
 #include "common/parallel.h"
@@ -36,34 +37,30 @@ void put_line(OutputFile& out, const std::string& line);
 // Appends text that already ends its lines.
 void put_text(OutputFile& out, const std::string& text);
 
+// Appends the text of blocks 0 .. blocks-1 in their order:
+// format_block(block, text) appends that block's lines to `text`.  With
+// `shared`, two threads take the blocks in turn, each formatting its next
+// block while the other writes, and each writing only when every block
+// before its own has been written, so the file is the same as from one pass.
+using BlockFormat = std::function<void(std::size_t block, std::string& text)>;
+void put_blocks(OutputFile& out, std::size_t blocks, const BlockFormat& format_block, bool shared);
+
 // Appends the lines of items 0 .. count-1 in their order: format(item, text)
 // appends item's lines, each with its line end, to `text`.  The items go out
-// in blocks; when the file has enough items for a second thread to pay, each
-// block is formatted on the two cores side by side, its halves written in
-// order, so the file is the same as from one pass.  A block holds at most
-// kItemsPerPart items per core, which keeps the text held at once to about a
-// megabyte per core whatever the number of items.
+// in blocks of kItemsPerBlock (put_blocks), shared between the two cores
+// when the file has enough items for a second thread to pay; a block's text
+// is about a megabyte at most, whatever the number of items.
 template <typename Format>
 void put_items(OutputFile& out, std::size_t count, Format format) {
-  constexpr std::size_t kItemsPerPart = 4096;
-  const bool shared = count >= kSmallestSharedWork;
-  const std::size_t block = shared ? 2 * kItemsPerPart : kItemsPerPart;
-  const std::size_t smallest_shared_block = shared ? kItemsPerPart : kSmallestSharedWork;
-  std::string texts[2];
-  for (std::size_t start = 0; start < count; start += block) {
-    const std::size_t end = std::min(count, start + block);
-    texts[0].clear();
-    texts[1].clear();
-    run_in_parts(
-        end - start,
-        [&](std::size_t begin, std::size_t stop, int part) {
-          for (std::size_t item = start + begin; item < start + stop; ++item) format(item, texts[part]);
-          return PartFailure{};
-        },
-        smallest_shared_block);
-    put_text(out, texts[0]);
-    put_text(out, texts[1]);
-  }
+  constexpr std::size_t kItemsPerBlock = 4096;
+  const std::size_t blocks = (count + kItemsPerBlock - 1) / kItemsPerBlock;
+  put_blocks(
+      out, blocks,
+      [&](std::size_t block, std::string& text) {
+        const std::size_t end = std::min(count, (block + 1) * kItemsPerBlock);
+        for (std::size_t item = block * kItemsPerBlock; item < end; ++item) format(item, text);
+      },
+      count >= smallest_shared_work.load(std::memory_order_relaxed));
 }
 
 // Writes what is pending and closes the file.

@@ -3,6 +3,7 @@
 // pass in order would have written.
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 
 #include "output/text_file.h"
@@ -55,6 +56,67 @@ TEST_P(PutItems, FileHoldsWhatOnePassInOrderWrites) {
 // which two cores share the file (20,000), and several shared blocks.
 INSTANTIATE_TEST_SUITE_P(BlockBoundaries, PutItems,
                          testing::Values(0, 1, 4095, 4096, 4097, 8192, 8193, 19999, 20000, 20001, 57345));
+
+// A block whose formatting fails, on the first thread (an even block) or
+// the second (an odd one), ends the writing with that failure and leaves the
+// blocks before it in the file, in order; neither thread is left waiting
+// for its turn.
+class FailingBlock : public testing::TestWithParam<std::size_t> {};
+
+TEST_P(FailingBlock, StopsBothThreadsAndKeepsTheBlocksBefore) {
+  const ScratchDir dir;
+  const std::size_t failing = GetParam();
+  RunState state;
+  OutputFile out;
+  open_output(state, out, (dir.path() / "blocks.txt").string());
+  put_line(out, "head");
+  std::string message;
+  try {
+    put_blocks(
+        out, 40,
+        [&](std::size_t block, std::string& text) {
+          if (block == failing) throw std::runtime_error("block " + std::to_string(block) + " failed");
+          text += "block " + std::to_string(block) + "\n";
+        },
+        true);
+  } catch (const std::runtime_error& e) {
+    message = e.what();
+  }
+  close_output(out);
+  EXPECT_EQ(message, "block " + std::to_string(failing) + " failed");
+  std::string expected = "head\n";
+  for (std::size_t block = 0; block < failing; ++block) expected += "block " + std::to_string(block) + "\n";
+  EXPECT_EQ(dir.read("blocks.txt"), expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(OnEitherThread, FailingBlock, testing::Values(0, 1, 4, 5, 39));
+
+// When blocks on both threads fail, the lower one's failure is passed on.
+TEST(PutBlocks, FailuresOnBothThreadsPassOnTheLowerBlocks) {
+  for (std::size_t lower : {6, 7}) {
+    const ScratchDir dir;
+    RunState state;
+    OutputFile out;
+    open_output(state, out, (dir.path() / "blocks.txt").string());
+    std::string message;
+    try {
+      put_blocks(
+          out, 20,
+          [&](std::size_t block, std::string& text) {
+            if (block == lower || block == lower + 1) throw std::runtime_error("block " + std::to_string(block));
+            text += std::to_string(block) + "\n";
+          },
+          true);
+    } catch (const std::runtime_error& e) {
+      message = e.what();
+    }
+    close_output(out);
+    EXPECT_EQ(message, "block " + std::to_string(lower));
+    std::string expected;
+    for (std::size_t block = 0; block < lower; ++block) expected += std::to_string(block) + "\n";
+    EXPECT_EQ(dir.read("blocks.txt"), expected);
+  }
+}
 
 }  // namespace
 }  // namespace tesseramill
