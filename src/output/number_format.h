@@ -31,6 +31,13 @@ void append_scientific(std::string& out, double value, int width, int decimals);
 // unless the value is 0.
 void append_zero_led(std::string& out, double value, int width, int decimals);
 
+// The same layouts with every digit from the standard library's conversion
+// (std::to_chars), which the layouts above give bit for bit by integer
+// arithmetic where the value allows; for tests and benchmarks.
+void append_fixed_reference(std::string& out, double value, int width, int decimals);
+void append_scientific_reference(std::string& out, double value, int width, int decimals);
+void append_zero_led_reference(std::string& out, double value, int width, int decimals);
+
 std::string format_integer(std::int64_t value, int width = 0);
 std::string format_fixed(double value, int width, int decimals);
 std::string format_scientific(double value, int width, int decimals);

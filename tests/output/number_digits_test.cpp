@@ -1,0 +1,137 @@
+// The layouts of the output files work their digits out by integer
+// arithmetic on the exact binary value where the value allows, and must give
+// the very text of the standard library's conversion: on seeded values of
+// every size, on the coordinates and areas the files hold, on exact ties
+// at the last digit, on carries into the next power of ten and at the edges
+// where the integer path hands over to the library.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "output/number_format.h"
+
+namespace tesseramill {
+namespace {
+
+// The layouts the writers use, with the widths and digits they use, and
+// some beyond.
+struct Layout {
+  char kind;  // 'f' fixed, 's' scientific, 'z' zero-led
+  int width;
+  int decimals;
+};
+
+const Layout kLayouts[] = {{'f', 15, 3}, {'f', 15, 4}, {'f', 12, 3}, {'f', 0, 0},  {'f', 0, 1},
+                           {'f', 0, 8},  {'f', 0, 17}, {'f', 0, 18}, {'s', 0, 10}, {'s', 16, 9},
+                           {'s', 0, 5},  {'s', 14, 7}, {'s', 0, 0},  {'s', 0, 16}, {'s', 0, 17},
+                           {'z', 14, 7}, {'z', 0, 10}, {'z', 0, 1},  {'z', 0, 17}, {'z', 0, 18}};
+
+std::string fast(const Layout& l, double v) {
+  std::string out;
+  if (l.kind == 'f') append_fixed(out, v, l.width, l.decimals);
+  if (l.kind == 's') append_scientific(out, v, l.width, l.decimals);
+  if (l.kind == 'z') append_zero_led(out, v, l.width, l.decimals);
+  return out;
+}
+
+std::string reference(const Layout& l, double v) {
+  std::string out;
+  if (l.kind == 'f') append_fixed_reference(out, v, l.width, l.decimals);
+  if (l.kind == 's') append_scientific_reference(out, v, l.width, l.decimals);
+  if (l.kind == 'z') append_zero_led_reference(out, v, l.width, l.decimals);
+  return out;
+}
+
+void expect_same_text(const std::vector<double>& values) {
+  int differences = 0;
+  for (double v : values) {
+    for (const Layout& l : kLayouts) {
+      const std::string a = fast(l, v);
+      const std::string b = reference(l, v);
+      if (a != b && ++differences <= 10) {
+        ADD_FAILURE() << l.kind << " width " << l.width << " decimals " << l.decimals << " of "
+                      << std::hexfloat << v << ": " << a << " against " << b;
+      }
+    }
+  }
+  EXPECT_EQ(differences, 0);
+}
+
+TEST(NumberDigits, SeededValuesOfEverySize) {
+  std::mt19937_64 random(20261125);
+  std::vector<double> values;
+  for (int i = 0; i < 200000; ++i) {
+    // Any bit pattern of a finite double, half of them negative.
+    std::uint64_t bits = random();
+    double v = 0.0;
+    std::memcpy(&v, &bits, sizeof v);
+    if (std::isfinite(v)) values.push_back(v);
+    // Sizes from 1e-12 to 1e22, evenly in the exponent.
+    const double exponent = std::uniform_real_distribution<double>(-12.0, 22.0)(random);
+    values.push_back(std::pow(10.0, exponent) * (i % 2 == 0 ? 1.0 : -1.0));
+  }
+  expect_same_text(values);
+}
+
+TEST(NumberDigits, CoordinatesAndAreasOfTheOutputFiles) {
+  // UTM coordinates as the files hold them, with every last bit, and cell
+  // areas from a square millimetre to a square kilometre.
+  std::mt19937_64 random(7);
+  std::vector<double> values;
+  for (int i = 0; i < 200000; ++i) {
+    values.push_back(std::uniform_real_distribution<double>(1000.0, 1e7)(random));
+    values.push_back(std::uniform_real_distribution<double>(1e-6, 1e6)(random));
+    values.push_back(std::nextafter(std::round(values.back() * 1000.0) / 1000.0, 0.0));
+  }
+  expect_same_text(values);
+}
+
+TEST(NumberDigits, ExactTiesAtTheLastDigitGoToEven) {
+  std::vector<double> values;
+  // n/16 times 1000 and n/32 times 10000 end in exactly .5 for odd n: ties
+  // at the third and fourth decimal.
+  for (int n = -4001; n <= 4001; n += 2) {
+    values.push_back(n / 16.0);
+    values.push_back(n / 32.0);
+    values.push_back(n / 2.0);
+    values.push_back(1048576.0 + n / 16.0);
+  }
+  // Integers of 12 and 11 digits ending in 5: ties at the eleventh and
+  // tenth significant digit; and 0.5 steps of every size to 2^52.
+  for (std::int64_t n = 100000000005; n < 100000000005 + 20000; n += 10) values.push_back(static_cast<double>(n));
+  for (std::int64_t n = 98765432105; n < 98765432105 + 20000; n += 10) values.push_back(static_cast<double>(n));
+  for (double p = 1.0; p < 4503599627370496.0; p *= 2.0) values.push_back(p + 0.5);
+  EXPECT_EQ(fast({'f', 0, 3}, 0.0625), "0.062");
+  EXPECT_EQ(fast({'f', 0, 3}, 0.1875), "0.188");
+  EXPECT_EQ(fast({'s', 0, 10}, 100000000005.0), "1.0000000000E+11");
+  EXPECT_EQ(fast({'s', 0, 10}, 100000000015.0), "1.0000000002E+11");
+  expect_same_text(values);
+}
+
+TEST(NumberDigits, CarriesAndTheEdgesOfTheIntegerPath) {
+  std::vector<double> values;
+  for (int e = -30; e <= 30; ++e) {
+    const double p = std::pow(10.0, e);
+    for (double v : {p, std::nextafter(p, 0.0), std::nextafter(p, INFINITY), p * 0.99999999999999994,
+                     p * 9.99999999999999, p * 9.9999999995, p * 9.99949999}) {
+      values.push_back(v);
+      values.push_back(-v);
+    }
+  }
+  // Around 1, 2^53, 2^64, 1e18 and 1e19, where the integer path stops.
+  for (double v : {1.0, 9007199254740992.0, 18446744073709551616.0, 1e18, 1e19, 0.5, 0.0, -0.0,
+                   4.9406564584124654e-324, 2.2250738585072014e-308, 1.7976931348623157e308}) {
+    values.push_back(v);
+    values.push_back(std::nextafter(v, 0.0));
+    values.push_back(std::nextafter(v, INFINITY));
+  }
+  expect_same_text(values);
+}
+
+}  // namespace
+}  // namespace tesseramill
