@@ -67,4 +67,42 @@ PartFailure run_in_parts(std::size_t count, Work work,
   return first.failed() ? first : second;
 }
 
+// A piece of work that runs on a thread of its own beside the caller's,
+// such as the writing of files from tables that the caller only reads
+// meanwhile.  finish() waits for it and passes on its failure; the object
+// waits for it too when it goes out of scope, so that the work never
+// outlives the tables it reads.
+struct BackgroundJob {
+  std::thread thread;
+  std::exception_ptr thrown;
+
+  template <typename Work>
+  void start(Work work) {
+    finish();
+    thread = std::thread([this, work]() mutable {
+      try {
+        work();
+      } catch (...) {
+        thrown = std::current_exception();
+      }
+    });
+  }
+
+  void finish() {
+    if (thread.joinable()) thread.join();
+    if (thrown) {
+      std::exception_ptr failure = thrown;
+      thrown = nullptr;
+      std::rethrow_exception(failure);
+    }
+  }
+
+  BackgroundJob() = default;
+  BackgroundJob(const BackgroundJob&) = delete;
+  BackgroundJob& operator=(const BackgroundJob&) = delete;
+  ~BackgroundJob() {
+    if (thread.joinable()) thread.join();
+  }
+};
+
 }  // namespace tesseramill

@@ -31,11 +31,14 @@ void coordinate_line(std::string& text, double x, double y) {
 
 }  // namespace
 
-void write_triangle_map_files(RunState& state) {
-  OutputFile mif;
-  OutputFile mid;
-  open_output(state, mif, stamped_name(state, "_triangles_", ".mif"));
-  open_output(state, mid, stamped_name(state, "_triangles_", ".mid"));
+void open_triangle_map_files(RunState& state, TriangleMapFiles& files) {
+  open_output(state, files.mif, stamped_name(state, "_triangles_", ".mif"));
+  open_output(state, files.mid, stamped_name(state, "_triangles_", ".mid"));
+}
+
+void fill_triangle_map_files(const RunState& state, TriangleMapFiles& files) {
+  OutputFile& mif = files.mif;
+  OutputFile& mid = files.mid;
   for (const char* head : {"Version 2", "Delimiter \",\"", "Columns 5", "   itri Integer",
                            "   tnbr_1 Integer", "   tnbr_2 Integer", "   tnbr_3 Integer",
                            "   itstat Integer", "Data"}) {
@@ -71,13 +74,19 @@ void write_triangle_map_files(RunState& state) {
     append_integer(text, tt.itstat[k], 6);
     text += '\n';
   });
+  close_output(mif);
+  close_output(mid);
 }
 
-void write_polygon_map_files(RunState& state) {
-  OutputFile mif;
-  OutputFile mid;
-  open_output(state, mif, stamped_name(state, "_polygons_", ".mif"));
-  open_output(state, mid, stamped_name(state, "_polygons_", ".mid"));
+void write_triangle_map_files(RunState& state) {
+  TriangleMapFiles files;
+  open_triangle_map_files(state, files);
+  fill_triangle_map_files(state, files);
+}
+
+namespace {
+
+void fill_polygon_map_files(const RunState& state, OutputFile& mif, OutputFile& mid) {
   for (const char* head : {"Version 2", "Delimiter \",\"", "Columns 2", "   icpl Integer",
                            "   cell_area  Float", "Data"}) {
     put_line(mif, head);
@@ -103,11 +112,11 @@ void write_polygon_map_files(RunState& state) {
     append_scientific(text, std::fabs(cells.cell_area[k]), 16, 9);
     text += '\n';
   });
+  close_output(mif);
+  close_output(mid);
 }
 
-void write_polygon_bln_file(RunState& state) {
-  OutputFile bln;
-  open_output(state, bln, stamped_name(state, "_polygons_", ".bln"));
+void fill_polygon_bln_file(const RunState& state, OutputFile& bln) {
   const CellTables& cells = state.cells;
   put_items(bln, static_cast<std::size_t>(state.mesh.mesh_point_count), [&](std::size_t k, std::string& text) {
     const std::int32_t m = cells.cell_vertex_count[k];
@@ -126,11 +135,10 @@ void write_polygon_bln_file(RunState& state) {
       text += '\n';
     }
   });
+  close_output(bln);
 }
 
-void write_polygon_centroid_table(RunState& state) {
-  OutputFile dat;
-  open_output(state, dat, stamped_name(state, "_polygon_centroids_", ".dat"));
+void fill_polygon_centroid_table(const RunState& state, OutputFile& dat) {
   put_line(dat, "      icpl       centroid_x       centroid_y          cell_area");
   const CellTables& cells = state.cells;
   put_items(dat, static_cast<std::size_t>(state.mesh.mesh_point_count), [&](std::size_t k, std::string& text) {
@@ -143,6 +151,53 @@ void write_polygon_centroid_table(RunState& state) {
     append_fixed(text, std::fabs(cells.cell_area[k]), 15, 4);
     text += '\n';
   });
+  close_output(dat);
+}
+
+}  // namespace
+
+void open_cell_files(RunState& state, CellFiles& files) {
+  open_output(state, files.mif, stamped_name(state, "_polygons_", ".mif"));
+  open_output(state, files.mid, stamped_name(state, "_polygons_", ".mid"));
+  // A file that cannot be opened ends the run with the files before it
+  // written in full, as when each is written as soon as it is opened.
+  const std::string bln = stamped_name(state, "_polygons_", ".bln");
+  if (!try_open_output(files.bln, bln)) {
+    fill_polygon_map_files(state, files.mif, files.mid);
+    fail_to_open(state, files.bln);
+  }
+  const std::string dat = stamped_name(state, "_polygon_centroids_", ".dat");
+  if (!try_open_output(files.dat, dat)) {
+    fill_polygon_map_files(state, files.mif, files.mid);
+    fill_polygon_bln_file(state, files.bln);
+    fail_to_open(state, files.dat);
+  }
+}
+
+void fill_cell_files(const RunState& state, CellFiles& files) {
+  fill_polygon_map_files(state, files.mif, files.mid);
+  fill_polygon_bln_file(state, files.bln);
+  fill_polygon_centroid_table(state, files.dat);
+}
+
+void write_polygon_map_files(RunState& state) {
+  OutputFile mif;
+  OutputFile mid;
+  open_output(state, mif, stamped_name(state, "_polygons_", ".mif"));
+  open_output(state, mid, stamped_name(state, "_polygons_", ".mid"));
+  fill_polygon_map_files(state, mif, mid);
+}
+
+void write_polygon_bln_file(RunState& state) {
+  OutputFile bln;
+  open_output(state, bln, stamped_name(state, "_polygons_", ".bln"));
+  fill_polygon_bln_file(state, bln);
+}
+
+void write_polygon_centroid_table(RunState& state) {
+  OutputFile dat;
+  open_output(state, dat, stamped_name(state, "_polygon_centroids_", ".dat"));
+  fill_polygon_centroid_table(state, dat);
 }
 
 }  // namespace tesseramill

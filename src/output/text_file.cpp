@@ -27,14 +27,21 @@ void flush(OutputFile& out) {
 
 OutputFile::~OutputFile() { close_output(*this); }
 
-void open_output(RunState& state, OutputFile& out, const std::string& name) {
+bool try_open_output(OutputFile& out, const std::string& name) {
   close_output(out);
   out.name = fit_field(name, kFileNameLength);
   // A name holding a NUL byte names no file; the part before it is another file.
   if (out.name.find('\0') == std::string::npos) out.file = open_file(out.name, "wb");
-  if (out.file == nullptr) fail(state, "Cannot write to file " + out.name + ".");
+  if (out.file == nullptr) return false;
   out.failed = false;
   out.pending.reserve(kFlushSize + 4096);
+  return true;
+}
+
+void fail_to_open(RunState& state, const OutputFile& out) { fail(state, "Cannot write to file " + out.name + "."); }
+
+void open_output(RunState& state, OutputFile& out, const std::string& name) {
+  if (!try_open_output(out, name)) fail_to_open(state, out);
 }
 
 void put_line(OutputFile& out, const std::string& line) {

@@ -31,6 +31,11 @@ struct OutputFile {
 // cannot be opened ends the run with "Cannot write to file {name}.".
 void open_output(RunState& state, OutputFile& out, const std::string& name);
 
+// The same, but false instead of ending the run; fail_to_open then ends it
+// with that message.
+bool try_open_output(OutputFile& out, const std::string& name);
+[[noreturn]] void fail_to_open(RunState& state, const OutputFile& out);
+
 // Appends `line` and a line end.
 void put_line(OutputFile& out, const std::string& line);
 

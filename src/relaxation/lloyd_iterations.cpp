@@ -8,6 +8,7 @@
 #include "geometry/planar_tools.h"
 #include "output/iteration_files.h"
 #include "output/number_format.h"
+#include "output/text_file.h"
 #include "relaxation/cell_polygons.h"
 #include "relaxation/lloyd_step.h"
 #include "run/phases.h"
@@ -90,35 +91,68 @@ void move_free_points(RunState& state, double stay_fac) {
   });
 }
 
+// The files of a pass are opened where the pass writes them, so that a name
+// that cannot be written ends the run at the same point, and filled on a
+// thread of their own while the passes go on; each is filled from tables
+// that nothing changes until the fill is waited for:
+// - the triangle map files read the triangle tables and the mesh points,
+//   which the cells of the pass only read; they are waited for before the
+//   points move;
+// - the cell files read the cell tables, which nothing changes until the
+//   next pass assembles its cells, after its triangulation; they are waited
+//   for there, or when the loop ends.
+// The files thus hold what they hold when written at once.  The reference
+// path writes each at once.
 void lloyd_iterations(RunState& state) {
   std::ostream& screen = *state.screen;
   state.lloyd_iteration = 0;
   state.lloyd_last_pass = false;
   const double stay_fac = 1.0 - state.control.lloyd_fac;
+  const bool beside = !state.reference_paths;
+  TriangleMapFiles triangle_files;
+  CellFiles cell_files;
+  BackgroundJob triangle_fill;
+  BackgroundJob cell_fill;
   for (;;) {
     triangulate_points(state);
     const bool files_due = iteration_files_due(state);
-    if (files_due) write_triangle_map_files(state);
+    if (files_due) {
+      open_triangle_map_files(state, triangle_files);
+      if (beside) {
+        triangle_fill.start([&] { fill_triangle_map_files(state, triangle_files); });
+      } else {
+        fill_triangle_map_files(state, triangle_files);
+      }
+    }
     build_connected_triangles(state);
     order_connected_triangles(state);
+    cell_fill.finish();
     assemble_cell_polygons(state);
     measure_cells(state);
     if (files_due) {
-      write_polygon_map_files(state);
-      write_polygon_bln_file(state);
-      write_polygon_centroid_table(state);
+      open_cell_files(state, cell_files);
+      if (beside) {
+        cell_fill.start([&] { fill_cell_files(state, cell_files); });
+      } else {
+        fill_cell_files(state, cell_files);
+      }
     }
     const PassMeasure m = measure_pass(state);
     screen << pass_line(state.lloyd_iteration, m) << "\n";
     if (state.lloyd_iteration == state.control.max_lloyd) {
       screen << "\n - Lloyd iteration count of " << state.control.max_lloyd << " reached\n\n";
+      triangle_fill.finish();
+      cell_fill.finish();
       return;
     }
     if (state.lloyd_last_pass) {
       screen << "\n - Lloyd convergence criterion reached.\n\n";
+      triangle_fill.finish();
+      cell_fill.finish();
       return;
     }
     if (m.count > 0 && state.control.eps_lloyd >= m.last_d) state.lloyd_last_pass = true;
+    triangle_fill.finish();
     move_free_points(state, stay_fac);
     state.lloyd_iteration += 1;
   }

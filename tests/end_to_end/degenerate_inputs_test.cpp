@@ -326,6 +326,41 @@ TEST(FolderAsFile, OutputFile) {
                                "\n Cannot write to file m_triangles_0.mif.\n");
 }
 
+// Each file of the first pass in turn cannot be written: the run ends at
+// it with the text of that file, the files written before it hold what a
+// whole run writes (but for the file opened beside it, in the same step,
+// which stays empty), and no later file is made.
+TEST(FolderAsFile, EachFileOfThePassEndsTheRunWithTheFilesBeforeItWhole) {
+  const std::vector<std::string> order = {"m_triangles_0.mif", "m_triangles_0.mid", "m_polygons_0.mif",
+                                          "m_polygons_0.mid",  "m_polygons_0.bln",  "m_polygon_centroids_0.dat"};
+  ScratchDir whole;
+  whole.write("t.in", control());
+  whole.write("outer.bln", kSquare);
+  run_binary(whole, {"t.in"});
+  for (std::size_t failing = 0; failing < order.size(); ++failing) {
+    SCOPED_TRACE(order[failing]);
+    ScratchDir dir;
+    dir.write("t.in", control());
+    dir.write("outer.bln", kSquare);
+    std::filesystem::create_directory(dir.path() / order[failing]);
+    const RunResult result = run_binary(dir, {"t.in"});
+    EXPECT_EQ(result.screen, head() + read_ok("outer.bln") + checking() + kPopulating +
+                                 interior(5, 108, "       9.032") + triangles(174, 0, 8, 1) +
+                                 "\n Cannot write to file " + order[failing] + ".\n");
+    for (std::size_t k = 0; k < order.size(); ++k) {
+      const bool exists = std::filesystem::is_regular_file(dir.path() / order[k]);
+      if (k > failing) {
+        EXPECT_FALSE(exists) << order[k];
+        continue;
+      }
+      if (k == failing) continue;
+      ASSERT_TRUE(exists) << order[k];
+      const bool opened_beside = (failing == 1 && k == 0) || (failing == 3 && k == 2);
+      EXPECT_EQ(dir.read(order[k]), opened_beside ? "" : whole.read(order[k])) << order[k];
+    }
+  }
+}
+
 // ---- long lines ---------------------------------------------------------------
 
 // Writes `count` MiB of `c` behind what `out` holds, a MiB at a time, so
