@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 #include <vector>
 
 namespace tesseramill {
@@ -33,9 +32,16 @@ double minimum_separation(const MeshPointList& mesh) {
     // Values that are no numbers cannot be sorted; the pairs decide.
     if (!std::isfinite(p[a])) return minimum_separation_reference(mesh);
   }
-  std::vector<std::int32_t> order(static_cast<std::size_t>(n));
-  std::iota(order.begin(), order.end(), 0);
-  std::sort(order.begin(), order.end(), [p](std::int32_t a, std::int32_t b) { return p[2 * a] < p[2 * b]; });
+  // The points themselves, sorted by x: the scan below then reads them in
+  // the order it visits them.  Points of equal x may stand in any order,
+  // since the difference in x of such a pair is 0 and never stops the scan.
+  struct Place {
+    double x;
+    double y;
+  };
+  std::vector<Place> sorted(static_cast<std::size_t>(n));
+  for (std::int32_t a = 0; a < n; ++a) sorted[static_cast<std::size_t>(a)] = {p[2 * a], p[2 * a + 1]};
+  std::sort(sorted.begin(), sorted.end(), [](const Place& a, const Place& b) { return a.x < b.x; });
   // The squared distance of a pair is the same bit for bit whichever point
   // comes first, since a rounded difference only changes sign when its
   // operands swap.  For a point, the later points in x order have
@@ -43,14 +49,14 @@ double minimum_separation(const MeshPointList& mesh) {
   // square reaches min2, the rounded sum with dy * dy does too, so no later
   // point can lower min2 and the scan moves on.
   double min2 = kLargest;
-  for (std::size_t i = 0; i < order.size(); ++i) {
-    const double xi = p[2 * order[i]];
-    const double yi = p[2 * order[i] + 1];
-    for (std::size_t j = i + 1; j < order.size(); ++j) {
-      const double dx = xi - p[2 * order[j]];
+  for (std::size_t i = 0; i < sorted.size(); ++i) {
+    const double xi = sorted[i].x;
+    const double yi = sorted[i].y;
+    for (std::size_t j = i + 1; j < sorted.size(); ++j) {
+      const double dx = xi - sorted[j].x;
       const double dx2 = dx * dx;
       if (dx2 >= min2) break;
-      const double dy = yi - p[2 * order[j] + 1];
+      const double dy = yi - sorted[j].y;
       min2 = std::min(min2, dx2 + dy * dy);
     }
   }
