@@ -92,31 +92,10 @@ void points_in_box(const MeshPointIndex& index, double xlo, double xhi, double y
   out.clear();
   // The same comparisons as a scan over every point makes, on each point of
   // every leaf the box reaches; the order is restored by sorting.
-  auto take = [&](std::int32_t number) {
-    const double x = px(index, number);
-    const double y = py(index, number);
-    if (x >= xlo && x <= xhi && y >= ylo && y <= yhi) out.push_back(number);
-  };
-  for (std::int32_t number : index.elsewhere) take(number);
-  std::int32_t stack[4 * kDeepest + 8];
-  std::int32_t top = 0;
-  stack[top++] = 0;
-  while (top > 0) {
-    const MeshPointIndex::Cell& cell = index.cells[static_cast<std::size_t>(stack[--top])];
-    // A cell the box cannot reach holds no point the box holds: its points
-    // lie within [x0, x0 + size] x [y0, y0 + size], up to the rounding of
-    // the halvings that made the cell, which the slack covers.
-    const double slack = 1e-12 * (std::fabs(cell.x0) + std::fabs(cell.y0) + cell.size);
-    if (cell.x0 - slack > xhi || cell.x0 + cell.size + slack < xlo || cell.y0 - slack > yhi ||
-        cell.y0 + cell.size + slack < ylo) {
-      continue;
-    }
-    if (cell.first_child < 0) {
-      for (std::int32_t number : cell.points) take(number);
-    } else {
-      for (std::int32_t q = 0; q < 4; ++q) stack[top++] = cell.first_child + q;
-    }
-  }
+  visit_points_in_box(index, xlo, xhi, ylo, yhi, [&](std::int32_t number) {
+    out.push_back(number);
+    return false;
+  });
   std::sort(out.begin(), out.end());
 }
 

@@ -43,18 +43,20 @@ void insert_mesh_point(MeshPointIndex& index, std::int32_t number);
 void points_in_box(const MeshPointIndex& index, double xlo, double xhi, double ylo, double yhi,
                    std::vector<std::int32_t>& out);
 
-// Whether `test(number)` holds for a point with xlo <= x <= xhi and
-// ylo <= y <= yhi; stops at the first that it holds for.
-template <typename Test>
-bool any_point_in_box(const MeshPointIndex& index, double xlo, double xhi, double ylo, double yhi, Test test) {
+// Visits the points with xlo <= x <= xhi and ylo <= y <= yhi, in no set
+// order, making the same comparisons as a scan over every point would, and
+// stops at the first for which stop(number) is true; returns whether one
+// was.
+template <typename Stop>
+bool visit_points_in_box(const MeshPointIndex& index, double xlo, double xhi, double ylo, double yhi, Stop stop) {
   const std::vector<double>& coordinates = *index.coordinates;
-  auto holds = [&](std::int32_t number) {
+  auto stops = [&](std::int32_t number) {
     const double x = coordinates[2 * static_cast<std::size_t>(number - 1)];
     const double y = coordinates[2 * static_cast<std::size_t>(number - 1) + 1];
-    return x >= xlo && x <= xhi && y >= ylo && y <= yhi && test(number);
+    return x >= xlo && x <= xhi && y >= ylo && y <= yhi && stop(number);
   };
   for (std::int32_t number : index.elsewhere) {
-    if (holds(number)) return true;
+    if (stops(number)) return true;
   }
   if (index.cells.empty()) return false;
   std::int32_t stack[4 * kMeshIndexDeepest + 8];
@@ -62,7 +64,9 @@ bool any_point_in_box(const MeshPointIndex& index, double xlo, double xhi, doubl
   stack[top++] = 0;
   while (top > 0) {
     const MeshPointIndex::Cell& cell = index.cells[static_cast<std::size_t>(stack[--top])];
-    // The same slack as points_in_box allows for the halvings.
+    // A cell the box cannot reach holds no point the box holds: its points
+    // lie within [x0, x0 + size] x [y0, y0 + size], up to the rounding of
+    // the halvings that made the cell, which the slack covers.
     const double slack = 1e-12 * (std::fabs(cell.x0) + std::fabs(cell.y0) + cell.size);
     if (cell.x0 - slack > xhi || cell.x0 + cell.size + slack < xlo || cell.y0 - slack > yhi ||
         cell.y0 + cell.size + slack < ylo) {
@@ -70,13 +74,20 @@ bool any_point_in_box(const MeshPointIndex& index, double xlo, double xhi, doubl
     }
     if (cell.first_child < 0) {
       for (std::int32_t number : cell.points) {
-        if (holds(number)) return true;
+        if (stops(number)) return true;
       }
     } else {
       for (std::int32_t q = 0; q < 4; ++q) stack[top++] = cell.first_child + q;
     }
   }
   return false;
+}
+
+// Whether `test(number)` holds for a point with xlo <= x <= xhi and
+// ylo <= y <= yhi.
+template <typename Test>
+bool any_point_in_box(const MeshPointIndex& index, double xlo, double xhi, double ylo, double yhi, Test test) {
+  return visit_points_in_box(index, xlo, xhi, ylo, yhi, test);
 }
 
 }  // namespace tesseramill

@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
-#include <exception>
-#include <thread>
 #include <vector>
 
+#include "common/parallel.h"
 #include "common/run_state.h"
 #include "emplacement/chains.h"
 #include "emplacement/fast_emplacement.h"
+#include "emplacement/interior_emplacement.h"
 
 namespace tesseramill {
 
@@ -121,41 +121,33 @@ bool cut_slabs(const RunState& state, std::int32_t first, std::int32_t last, std
 std::int32_t propose_in_parts(RunState& state, std::int32_t first, std::int32_t last, std::int32_t cycle) {
   FastEmplacement& f = state.fast_emplacement;
   std::vector<std::uint8_t> part_of;
-  const bool split = cut_slabs(state, first, last, part_of);
+  if (!cut_slabs(state, first, last, part_of)) {
+    // One slab: nothing to share.
+    std::int32_t added = 0;
+    for (std::int32_t seed = first; seed <= last; ++seed) {
+      if (propose_from_seed(state, seed, cycle)) ++added;
+    }
+    return added;
+  }
   std::vector<Proposal> proposals(part_of.size());
   std::vector<Part> parts(kSlabs);
   for (Part& part : parts) {
     start_mesh_point_index(part.own, &part.own_coordinates, f.xlo, f.xhi, f.ylo, f.yhi);
     start_mesh_point_index(part.stray_index, &part.strays, f.xlo, f.xhi, f.ylo, f.yhi);
   }
-  if (split) {
-    const RunState& reading = state;
-    std::atomic<std::size_t> next{0};
-    auto work = [&](ProposalScratch& scratch) {
-      for (std::size_t k = next++; k < kSlabs; k = next++) {
-        propose_part(reading, first, part_of, static_cast<std::uint8_t>(k), parts[k], scratch, proposals);
-      }
-    };
-    std::exception_ptr thrown;
-    std::thread helper([&] {
-      try {
-        work(f.second_scratch);
-      } catch (...) {
-        thrown = std::current_exception();
-      }
-    });
-    try {
-      work(f.scratch);
-    } catch (...) {
-      helper.join();
-      throw;
-    }
-    helper.join();
-    if (thrown) std::rethrow_exception(thrown);
-  } else {
-    // Nothing proposed ahead: every seed proposes at its turn.
-    for (Proposal& proposal : proposals) proposal.literal = true;
-  }
+  // Two threads, each with its own scratch tables, take the slabs in turn.
+  const RunState& reading = state;
+  std::atomic<std::size_t> next{0};
+  run_in_parts(
+      2,
+      [&](std::size_t, std::size_t, int thread) {
+        ProposalScratch& scratch = thread == 0 ? f.scratch : f.second_scratch;
+        for (std::size_t k = next++; k < kSlabs; k = next++) {
+          propose_part(reading, first, part_of, static_cast<std::uint8_t>(k), parts[k], scratch, proposals);
+        }
+        return PartFailure{};
+      },
+      2);
 
   // The commit, in seed order.  The points committed in this cycle are
   // indexed on their own, with the part that saw each.

@@ -139,14 +139,13 @@ void lloyd_iterations(RunState& state) {
     }
     const PassMeasure m = measure_pass(state);
     screen << pass_line(state.lloyd_iteration, m) << "\n";
-    if (state.lloyd_iteration == state.control.max_lloyd) {
-      screen << "\n - Lloyd iteration count of " << state.control.max_lloyd << " reached\n\n";
-      triangle_fill.finish();
-      cell_fill.finish();
-      return;
-    }
-    if (state.lloyd_last_pass) {
-      screen << "\n - Lloyd convergence criterion reached.\n\n";
+    const bool count_reached = state.lloyd_iteration == state.control.max_lloyd;
+    if (count_reached || state.lloyd_last_pass) {
+      if (count_reached) {
+        screen << "\n - Lloyd iteration count of " << state.control.max_lloyd << " reached\n\n";
+      } else {
+        screen << "\n - Lloyd convergence criterion reached.\n\n";
+      }
       triangle_fill.finish();
       cell_fill.finish();
       return;
