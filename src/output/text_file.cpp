@@ -1,8 +1,10 @@
 #include "output/text_file.h"
 
-#include <atomic>
+#include <algorithm>
+#include <condition_variable>
 #include <exception>
 #include <limits>
+#include <mutex>
 #include <thread>
 
 #include "common/failure.h"
@@ -76,34 +78,48 @@ void put_blocks(OutputFile& out, std::size_t blocks, const BlockFormat& format_b
   }
   // Both threads write straight to the file, after what is pending.
   flush(out);
-  // `turn` counts the blocks written; its top bit is set when a block's
-  // formatting failed, so that a thread waiting for its turn wakes and
-  // sees `failed_at`.  The blocks before the failed one are still written,
-  // in order, so the file holds the same text whichever thread failed.
-  constexpr std::size_t kFailedBit = std::size_t{1} << (std::numeric_limits<std::size_t>::digits - 1);
-  std::atomic<std::size_t> turn{0};
-  std::atomic<std::size_t> failed_at{std::numeric_limits<std::size_t>::max()};
+  // `written` counts the blocks written and `failed_at` is the lowest block
+  // whose formatting failed; both are read and changed under `lock`, and a
+  // thread waiting for its turn sleeps on `changed` until the count reaches
+  // its block or a failure at or below it ends its work.  The blocks before
+  // the failed one are still written, in order, so the file holds the same
+  // text whichever thread failed.  The turn is not kept with
+  // std::atomic::wait: the MinGW-w64 runtime has no futex to build it on and
+  // checks the value outside the mutex of its fallback, so a notify that
+  // falls between the check and the sleep is lost and both threads sleep
+  // for ever.  A mutex and a condition variable cost some microseconds per
+  // block of thousands of items.
+  std::mutex lock;
+  std::condition_variable changed;
+  std::size_t written = 0;
+  std::size_t failed_at = std::numeric_limits<std::size_t>::max();
   auto work = [&](std::size_t part) {
     std::string text;
     for (std::size_t block = part; block < blocks; block += 2) {
-      if (block >= failed_at.load()) return;
       text.clear();
       try {
         format_block(block, text);
       } catch (...) {
-        for (std::size_t seen = failed_at.load(); block < seen && !failed_at.compare_exchange_weak(seen, block);) {
+        {
+          const std::lock_guard<std::mutex> held(lock);
+          failed_at = std::min(failed_at, block);
         }
-        turn.fetch_or(kFailedBit);
-        turn.notify_all();
+        changed.notify_all();
         throw;
       }
-      for (std::size_t now = turn.load(); (now & ~kFailedBit) != block; now = turn.load()) {
-        if (block >= failed_at.load()) return;
-        turn.wait(now);
+      {
+        std::unique_lock<std::mutex> held(lock);
+        changed.wait(held, [&] { return written == block || block >= failed_at; });
+        if (block >= failed_at) return;
       }
+      // Only the thread whose turn it is writes; the other waits until
+      // `written` moves past this block, which it sees under the same mutex.
       if (out.file != nullptr && std::fwrite(text.data(), 1, text.size(), out.file) != text.size()) out.failed = true;
-      turn.fetch_add(1);
-      turn.notify_all();
+      {
+        const std::lock_guard<std::mutex> held(lock);
+        ++written;
+      }
+      changed.notify_all();
     }
   };
   // Each thread's failure, if any; the one of the lower block is passed on,
@@ -119,8 +135,7 @@ void put_blocks(OutputFile& out, std::size_t blocks, const BlockFormat& format_b
   std::thread helper(run, 1);
   run(0);
   helper.join();
-  const std::size_t first_failed = failed_at.load();
-  if (first_failed != std::numeric_limits<std::size_t>::max()) std::rethrow_exception(thrown[first_failed % 2]);
+  if (failed_at != std::numeric_limits<std::size_t>::max()) std::rethrow_exception(thrown[failed_at % 2]);
 }
 
 void close_output(OutputFile& out) {

@@ -118,5 +118,28 @@ TEST(PutBlocks, FailuresOnBothThreadsPassOnTheLowerBlocks) {
   }
 }
 
+// Many short blocks, one after another, hand the turn over thirty thousand
+// times: a wakeup lost between the threads would leave both asleep, and
+// ctest's time limit would end the test.  The Windows build hung so, in
+// each of three tries, while the turn was kept with std::atomic::wait.
+TEST(PutBlocks, ManyShortBlocksNeverLoseTheTurn) {
+  const ScratchDir dir;
+  RunState state;
+  OutputFile out;
+  open_output(state, out, (dir.path() / "blocks.txt").string());
+  constexpr std::size_t kWrites = 300;
+  constexpr std::size_t kBlocks = 100;
+  for (std::size_t write = 0; write < kWrites; ++write) {
+    put_blocks(out, kBlocks, [](std::size_t block, std::string& text) { text += static_cast<char>('a' + block % 26); },
+               true);
+  }
+  close_output(out);
+  std::string one;
+  for (std::size_t block = 0; block < kBlocks; ++block) one += static_cast<char>('a' + block % 26);
+  std::string expected;
+  for (std::size_t write = 0; write < kWrites; ++write) expected += one;
+  EXPECT_EQ(dir.read("blocks.txt"), expected);
+}
+
 }  // namespace
 }  // namespace tesseramill
