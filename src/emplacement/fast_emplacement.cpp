@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <numeric>
 
@@ -55,8 +56,46 @@ struct Grid {
 // The exact separation at candidate (k, j), worked out once.
 double exact_separation(const RunState& state, ProposalScratch& f, const Grid& g, std::int32_t k, std::int32_t j) {
   double& s = f.exact[g.at(k, j)];
-  if (std::isnan(s)) s = local_separation(state, g.x(k), g.y(j), state.control.poly_growth_rate);
+  if (std::isnan(s)) {
+    s = local_separation(state, g.x(k), g.y(j), state.control.poly_growth_rate);
+    f.exact_set.push_back(static_cast<std::int32_t>(g.at(k, j)));
+  }
   return s;
+}
+
+// Forgets the exact separations of the seed before.  Only a few candidates
+// of a grid ever need theirs, so the table is cleared where it was written
+// rather than whole: it reads NaN everywhere afterwards either way.
+void forget_exact(ProposalScratch& f, std::size_t candidates) {
+  if (f.exact.size() != candidates) {
+    f.exact.assign(candidates, std::numeric_limits<double>::quiet_NaN());
+  } else {
+    for (std::int32_t c : f.exact_set) f.exact[static_cast<std::size_t>(c)] = std::numeric_limits<double>::quiet_NaN();
+  }
+  f.exact_set.clear();
+}
+
+// Calls visit(c) for every open candidate c of the grid, c = (j + half) *
+// nsdim + (k + half), in ascending c, which is the literal scan order (row
+// by row, each row from the left).  Nearly all candidates are struck by the
+// time this is asked, so eight of them are looked at with one load and
+// passed over together when all eight are struck; the bytes are only
+// compared with zero, so the order of the bytes in the word plays no part.
+template <typename Visit>
+void for_each_open(const std::vector<std::uint8_t>& open, Visit visit) {
+  const std::size_t n = open.size();
+  std::size_t c = 0;
+  for (; c + 8 <= n; c += 8) {
+    std::uint64_t eight = 0;
+    std::memcpy(&eight, open.data() + c, sizeof eight);
+    if (eight == 0) continue;
+    for (std::size_t i = c; i < c + 8; ++i) {
+      if (open[i] != 0) visit(i);
+    }
+  }
+  for (; c < n; ++c) {
+    if (open[c] != 0) visit(c);
+  }
 }
 
 // Candidates per side of a tile of the grid.  A tile's sources are kept
@@ -329,15 +368,13 @@ bool choose(ProposalScratch& f, const Grid& g, std::int32_t seed, double x0, dou
             double& y) {
   f.open_list.clear();
   f.seed_term.clear();
-  for (std::int32_t j = -g.half; j <= g.half; ++j) {
-    for (std::int32_t k = -g.half; k <= g.half; ++k) {
-      if (f.open[g.at(k, j)] == 0) continue;
-      const double dx = g.x(k) - x0;
-      const double dy = g.y(j) - y0;
-      f.open_list.push_back((j + g.half) * g.nsdim + (k + g.half));
-      f.seed_term.push_back(std::fabs(std::sqrt(dx * dx + dy * dy) - sep));
-    }
-  }
+  for_each_open(f.open, [&](std::size_t c) {
+    const std::int32_t at = static_cast<std::int32_t>(c);
+    const double dx = g.x(at % g.nsdim - g.half) - x0;
+    const double dy = g.y(at / g.nsdim - g.half) - y0;
+    f.open_list.push_back(at);
+    f.seed_term.push_back(std::fabs(std::sqrt(dx * dx + dy * dy) - sep));
+  });
   if (f.open_list.empty()) return false;
   // The term of the other points, exactly as the literal step takes its
   // minimum: a point whose distance is at least sep + m, or at most
@@ -511,7 +548,7 @@ void propose_fast(const RunState& state, ProposalScratch& f, const PointView& vi
 
   const std::size_t candidates = static_cast<std::size_t>(nsdim) * static_cast<std::size_t>(nsdim);
   f.open.assign(candidates, 1);
-  f.exact.assign(candidates, std::numeric_limits<double>::quiet_NaN());
+  forget_exact(f, candidates);
 
   // The listed points sorted by x, with their numbers.
   f.near_number = f.near;
@@ -531,11 +568,12 @@ void propose_fast(const RunState& state, ProposalScratch& f, const PointView& vi
   // only open candidates can change, so the passes visit those alone, in
   // scan order, and a strike still counts at once for the ones after it.
   f.open_list.clear();
-  for (std::int32_t j = -g.half + 1; j <= g.half - 1; ++j) {
-    for (std::int32_t k = -g.half + 1; k <= g.half - 1; ++k) {
-      if (f.open[g.at(k, j)] != 0) f.open_list.push_back((j + g.half) * g.nsdim + (k + g.half));
-    }
-  }
+  for_each_open(f.open, [&](std::size_t c) {
+    const std::int32_t at = static_cast<std::int32_t>(c);
+    const std::int32_t column = at % g.nsdim;
+    const std::int32_t row = at / g.nsdim;
+    if (column > 0 && column < g.nsdim - 1 && row > 0 && row < g.nsdim - 1) f.open_list.push_back(at);
+  });
   for (int pass = 0; pass < 2; ++pass) {
     for (std::int32_t c : f.open_list) {
       const std::size_t at = static_cast<std::size_t>(c);

@@ -37,6 +37,7 @@ struct alignas(64) ProposalScratch {
   // Per candidate: still open, and the exact separation once worked out.
   std::vector<std::uint8_t> open;
   std::vector<double> exact;
+  std::vector<std::int32_t> exact_set;  // the candidates whose exact separation is in `exact`
   std::vector<std::int32_t> close_segments;
   std::vector<std::int32_t> open_list;
   std::vector<double> seed_term;
