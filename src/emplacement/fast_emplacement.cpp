@@ -346,15 +346,41 @@ void strike_near_segments(const RunState& state, const SegmentIndex& segments, P
     std::iota(f.close_segments.begin(), f.close_segments.end(), 0);
   }
   if (f.close_segments.empty()) return;
-  for (std::int32_t j = -g.half; j <= g.half; ++j) {
-    for (std::int32_t k = -g.half; k <= g.half; ++k) {
-      if (f.open[g.at(k, j)] == 0) continue;
+  // Tile by tile, each candidate against the segments that can reach its
+  // tile.  The true distance from a segment to any point of a tile is at
+  // least the gap between the segment's bounding box and the tile's
+  // rectangle, and the gap as rounded here is off by far less than the
+  // margin in `reach`; so a segment whose gap exceeds `reach` lies farther
+  // than the field's upper bound from every candidate of the tile, as
+  // distance_to_segment rounds it, and strikes none of them.  Each
+  // candidate is decided alone, so taking them tile by tile changes
+  // nothing.
+  for (std::int32_t tj = 0; tj < tiles_per_side(g); ++tj) {
+    for (std::int32_t ti = 0; ti < tiles_per_side(g); ++ti) {
+      const TileRange r = tile_range(g, ti, tj);
+      const double txlo = g.x(r.k0);
+      const double txhi = g.x(r.k1);
+      const double tylo = g.y(r.j0);
+      const double tyhi = g.y(r.j1);
+      f.tile_segments.clear();
       for (std::int32_t s : f.close_segments) {
         const double* e = &ends[4 * static_cast<std::size_t>(s)];
-        const double distance = distance_to_segment(g.x(k), g.y(j), e[0], e[1], e[2], e[3]);
-        if (struck_by_segment(state, f, g, k, j, distance)) {
-          f.open[g.at(k, j)] = 0;
-          break;
+        const double gap_x = std::max({std::min(e[0], e[2]) - txhi, txlo - std::max(e[0], e[2]), 0.0});
+        const double gap_y = std::max({std::min(e[1], e[3]) - tyhi, tylo - std::max(e[1], e[3]), 0.0});
+        if (!(std::max(gap_x, gap_y) > reach)) f.tile_segments.push_back(s);
+      }
+      if (f.tile_segments.empty()) continue;
+      for (std::int32_t j = r.j0; j <= r.j1; ++j) {
+        for (std::int32_t k = r.k0; k <= r.k1; ++k) {
+          if (f.open[g.at(k, j)] == 0) continue;
+          for (std::int32_t s : f.tile_segments) {
+            const double* e = &ends[4 * static_cast<std::size_t>(s)];
+            const double distance = distance_to_segment(g.x(k), g.y(j), e[0], e[1], e[2], e[3]);
+            if (struck_by_segment(state, f, g, k, j, distance)) {
+              f.open[g.at(k, j)] = 0;
+              break;
+            }
+          }
         }
       }
     }
