@@ -3,72 +3,13 @@
 #include <algorithm>
 #include <cmath>
 
-#include "common/correctly_rounded.h"
 #include "common/run_state.h"
 #include "geometry/planar_tools.h"
+#include "geometry/size_bounds.h"
 
 namespace tesseramill {
 
 namespace {
-
-// Why the bounds hold.  A source of separation s asks, at distance d, for
-//   size = growth^max(0, log(a) / log(growth) - 1.5) * s,  a = d (growth - 1) / s + 1,
-// which in exact arithmetic is max(s, (s + d (growth - 1)) / growth^1.5):
-// the algebraic size below, which needs no logarithm or power.  The run
-// works it out with the correctly rounded cr_log and cr_pow, each within
-// half an ulp; their errors, and those of the steps around them, change the
-// exponent by at most about 2 ulp(log a) / log(growth) plus a few ulps,
-// and the size by a relative 5e-13 at most while a stays below 1e300 (the
-// bound was first worked out for a maths library of a few ulps, which it
-// covers with room to spare).  The bounds widen the algebraic size by a
-// relative 1e-9, far beyond that, and by 1e-300 in absolute terms for
-// sizes so small that relative errors no longer hold.  Past a of 1e300 the
-// run's size may overflow, and no upper bound is claimed.
-constexpr double kRelative = 1e-9;
-constexpr double kAbsolute = 1e-300;
-constexpr double kLargestSafeA = 1e300;
-
-struct Growth {
-  double less_one;   // growth - 1, as the run works it out
-  double inverse_rise;  // 1 / growth^1.5
-};
-
-bool work_out_growth(double growth, Growth& g) {
-  g.less_one = growth - 1.0;
-  g.inverse_rise = 1.0 / cr_pow(growth, 1.5);
-  // A growth rate whose rise overflows, or so close to one that nothing
-  // grows, leaves the algebraic size without meaning.
-  return g.less_one > 0.0 && std::isfinite(g.less_one) && g.inverse_rise > 0.0 && std::isnormal(g.inverse_rise) &&
-         std::isfinite(1.0 / cr_log(growth));
-}
-
-// The run keeps one growth rate, and the bounds are asked for at every
-// point: the constants are worked out once per growth rate and thread, and
-// kept (a power and a logarithm cost more than the bounds themselves).
-bool growth_for(double growth, Growth& g) {
-  thread_local double cached_rate = 0.0;
-  thread_local Growth cached{};
-  thread_local bool cached_usable = work_out_growth(0.0, cached);
-  if (growth != cached_rate) {
-    cached_usable = work_out_growth(growth, cached);
-    cached_rate = growth;
-  }
-  g = cached;
-  return cached_usable;
-}
-
-double algebraic_size(const Growth& g, double d, double s) { return std::max(s, (s + d * g.less_one) * g.inverse_rise); }
-
-double lower_size(const Growth& g, double d, double s) {
-  return std::max(0.0, algebraic_size(g, d, s) * (1.0 - kRelative) - kAbsolute);
-}
-
-double upper_size(const Growth& g, double d, double s) {
-  if (!(d * g.less_one / s <= kLargestSafeA)) return INFINITY;
-  const double size = algebraic_size(g, d, s);
-  if (!(size <= kLargestSafeA)) return INFINITY;
-  return size * (1.0 + kRelative) + kAbsolute;
-}
 
 // Keeps, in their order, the sources whose lower bound is below `upper`,
 // their lowers with them; gives how many.

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 #include "common/correctly_rounded.h"
 #include "geometry/planar_tools.h"
 #include "geometry/point_in_polygon.h"
+#include "geometry/size_bounds.h"
 
 namespace tesseramill {
 
@@ -94,10 +96,13 @@ void fold_fast(double x, double y, const GrowthConstants& k, const double* coord
   }
 }
 
-// Folds the sources of the bucket grid ring by ring outwards from (x, y),
-// stopping where no source can lower the result any more: a source at
-// distance d asks for at least d (growth - 1) / growth^1.5.
-void fold_indexed(const SourceIndex& index, double x, double y, const GrowthConstants& k, double& result) {
+// Visits the cells of the bucket grid ring by ring outwards from (x, y),
+// stopping where no source can ask for less than `bound` any more: a source
+// at distance d asks for at least d (growth - 1) / growth^1.5.  `bound` is
+// read again before each ring, as the visits lower it.
+template <typename VisitSource>
+void walk_rings(const SourceIndex& index, double x, double y, const GrowthConstants& k, const double& bound,
+                VisitSource visit) {
   const CellGrid& g = index.grid;
   const std::int64_t nx = g.nx;
   const std::int64_t ny = g.ny;
@@ -106,18 +111,18 @@ void fold_indexed(const SourceIndex& index, double x, double y, const GrowthCons
   const std::int64_t ci = static_cast<std::int64_t>(std::clamp(g.column_of(x), -reach_limit, reach_limit));
   const std::int64_t cj = static_cast<std::int64_t>(std::clamp(g.row_of(y), -reach_limit, reach_limit));
   const std::int64_t last_ring = std::max(std::max(ci, nx - 1 - ci), std::max(cj, ny - 1 - cj));
-  auto fold_cell = [&](std::int64_t i, std::int64_t j) {
+  auto visit_cell = [&](std::int64_t i, std::int64_t j) {
     const std::size_t c = static_cast<std::size_t>(j * nx + i);
     for (std::int32_t m = index.cell_start[c]; m < index.cell_start[c + 1]; ++m) {
       const std::size_t at = static_cast<std::size_t>(m);
-      fold_source(x, y, k, index.xs[at], index.ys[at], index.separations[at], result);
+      visit(index.xs[at], index.ys[at], index.separations[at]);
     }
   };
   for (std::int64_t r = 0; r <= last_ring; ++r) {
     if (r > 1) {
       // Every cell of ring r lies at least (r - 1) cell widths away.
       const double nearest = static_cast<double>(r - 1) * g.h;
-      if (nearest * k.growth_less_one >= result * k.rise_start * kMargin) break;
+      if (nearest * k.growth_less_one >= bound * k.rise_start * kMargin) break;
     }
     const std::int64_t jlo = std::max<std::int64_t>(0, cj - r);
     const std::int64_t jhi = std::min<std::int64_t>(ny - 1, cj + r);
@@ -125,12 +130,70 @@ void fold_indexed(const SourceIndex& index, double x, double y, const GrowthCons
     const std::int64_t ihi = std::min<std::int64_t>(nx - 1, ci + r);
     for (std::int64_t j = jlo; j <= jhi; ++j) {
       if (j == cj - r || j == cj + r) {
-        for (std::int64_t i = ilo; i <= ihi; ++i) fold_cell(i, j);
+        for (std::int64_t i = ilo; i <= ihi; ++i) visit_cell(i, j);
       } else {
-        if (ci - r >= 0 && ci - r < nx) fold_cell(ci - r, j);
-        if (ci + r >= 0 && ci + r < nx) fold_cell(ci + r, j);
+        if (ci - r >= 0 && ci - r < nx) visit_cell(ci - r, j);
+        if (ci + r >= 0 && ci + r < nx) visit_cell(ci + r, j);
       }
     }
+  }
+}
+
+// Folds the sources of the bucket grid nearest first, each one as it comes.
+void fold_indexed(const SourceIndex& index, double x, double y, const GrowthConstants& k, double& result) {
+  walk_rings(index, x, y, k, result,
+             [&](double sx, double sy, double s) { fold_source(x, y, k, sx, sy, s, result); });
+}
+
+// A source that may give the smallest size, and the lower bound of its size.
+struct NearSource {
+  double d;
+  double s;
+  double lower;
+};
+
+// Folds the sources of the bucket grid in two sweeps, so that the logarithm
+// and power are worked out for the few sources that can give the smallest
+// size, whatever the order in which the rings list them.  The first sweep
+// bounds each source's size by its algebraic form (size_bounds.h) and keeps
+// U, the smallest of the starting result and of the upper bounds; the
+// second works out, exactly as fold_source does, the sizes of the sources
+// whose lower bound lies below the final U.
+//
+// Why the result is the same bits as folding every source.  Let M be the
+// smallest of the starting result and of all sizes; M <= U, since U is the
+// starting result or at least the size of a source.  A source is left out
+// only when it asks for at least the U of that moment, and so for at least
+// the final U: its separation is at least U, or it lies beyond the reach of
+// U (fold_source's test) or in a ring past the stop, or its lower bound is
+// at least U.  Such a source can equal M only when U = M; then U is the
+// starting result, which the fold keeps, or the upper bound of a source t
+// whose size is at most U = M, hence M, and t is kept, as its lower bound
+// lies below its upper bound.  min() is exact, so the order of the second
+// sweep plays no part.
+void fold_indexed_bounded(const SourceIndex& index, double x, double y, const GrowthConstants& k, const Growth& g,
+                          double& result) {
+  thread_local std::vector<NearSource> near;
+  near.clear();
+  double upper = result;
+  walk_rings(index, x, y, k, upper, [&](double sx, double sy, double s) {
+    if (s >= upper) return;
+    const double dx = x - sx;
+    const double dy = y - sy;
+    const double d2 = dx * dx + dy * dy;
+    const double reach = (upper * k.rise_start - s) * k.reciprocal_growth_less_one * kMargin;
+    if (d2 >= reach * reach) return;
+    const double d = std::sqrt(d2);
+    const double lower = lower_size(g, d, s);
+    if (lower >= upper) return;
+    upper = std::min(upper, upper_size(g, d, s));
+    near.push_back({d, s, lower});
+  });
+  for (const NearSource& n : near) {
+    if (n.lower >= upper || n.s >= result) continue;
+    const double a = n.d * k.growth_less_one / n.s + 1.0;
+    const double size = a <= k.surely_flat ? n.s : source_size(k, n.d, n.s);
+    result = std::min(result, size);
   }
 }
 
@@ -179,7 +242,12 @@ double local_separation(const RunState& state, double x, double y, double growth
   double result = cap_bounds ? cap : kLargest;
   // A point that is no finite number has no place in the bucket grid.
   if (state.source_index.built && std::isfinite(x) && std::isfinite(y)) {
-    fold_indexed(state.source_index, x, y, k, result);
+    Growth g;
+    if (growth_for(growth, g)) {
+      fold_indexed_bounded(state.source_index, x, y, k, g, result);
+    } else {
+      fold_indexed(state.source_index, x, y, k, result);
+    }
   } else {
     fold_all_sources(state, x, y, k, fold_fast, result);
   }

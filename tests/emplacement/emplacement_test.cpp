@@ -503,5 +503,40 @@ TEST(LocalSeparationFastPath, IndexedSourcesGiveTheReferenceBits) {
   EXPECT_EQ(differences, 0) << "of " << compared;
 }
 
+// Sources on a lattice, all with one separation, asked for at lattice
+// points, half-way between them and at the centres of the squares: many
+// sources tie exactly, and the first sweep's smallest upper bound is often
+// met by several of them.  Growth rates from nearly one to ten.
+TEST(LocalSeparationFastPath, TiesOnALatticeGiveTheReferenceBits) {
+  RunState state = state_with_capacity();
+  state.control.max_centroid_separation = 1.0e6;
+  state.smallest_max_separation = 1.0e6;
+  PointSet lattice;
+  for (int j = 0; j < 12; ++j) {
+    for (int i = 0; i < 12; ++i) {
+      lattice.coords.push_back(10.0 * i);
+      lattice.coords.push_back(10.0 * j);
+      lattice.separation.push_back((i + j) % 3 == 0 ? 4.0 : 2.5);
+    }
+  }
+  lattice.count = 144;
+  state.inner_point_sets.push_back(lattice);
+  build_source_index(state);
+  ASSERT_TRUE(state.source_index.built);
+  int differences = 0;
+  int compared = 0;
+  for (double growth : {1.0001, 1.05, 1.2, 1.5, 3.0, 10.0}) {
+    for (int j = -4; j <= 26; ++j) {
+      for (int i = -4; i <= 26; ++i) {
+        const double x = 5.0 * i;
+        const double y = 5.0 * j;
+        ++compared;
+        if (local_separation(state, x, y, growth) != local_separation_reference(state, x, y, growth)) ++differences;
+      }
+    }
+  }
+  EXPECT_EQ(differences, 0) << "of " << compared;
+}
+
 }  // namespace
 }  // namespace tesseramill
