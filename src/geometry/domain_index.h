@@ -46,9 +46,13 @@ struct RingIndex {
   // The winding number of a cell that no edge comes near; the same at every
   // point of the cell.
   std::vector<std::int32_t> cell_winding;
-  // The edges whose heights reach into row j of the grid, widened by their
-  // margins: row_edges[row_start[j] .. row_start[j+1]).  A horizontal ray
-  // from a point of the row can cross no other edge.
+  // The edges whose heights reach into row j, widened by their margins:
+  // row_edges[row_start[j] .. row_start[j+1]).  A horizontal ray from a
+  // point of the row can cross no other edge.  The rows are a share of a
+  // cell high (kRowsPerCell rows to a cell), so that a ray meets few edges
+  // that do not span its height.
+  std::int32_t row_count = 0;
+  double row_inverse_h = 1.0;
   std::vector<std::int32_t> row_start;
   std::vector<std::int32_t> row_edges;
 };
