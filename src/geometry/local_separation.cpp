@@ -61,6 +61,13 @@ double source_size(const GrowthConstants& k, double d, double s) {
   return cr_pow(k.power_of_growth, e) * s;
 }
 
+// The same size, without the logarithm and power where the exponent is
+// surely negative and the size is the source's own separation.
+inline double flat_or_source_size(const GrowthConstants& k, double d, double s) {
+  const double a = d * k.growth_less_one / s + 1.0;
+  return a <= k.surely_flat ? s : source_size(k, d, s);
+}
+
 void fold_reference(double x, double y, const GrowthConstants& k, const double* coords,
                     const double* separations, std::int32_t count, double& result) {
   for (std::int32_t j = 0; j < count; ++j) {
@@ -83,10 +90,7 @@ inline void fold_source(double x, double y, const GrowthConstants& k, double sx,
   const double d2 = dx * dx + dy * dy;
   const double reach = (result * k.rise_start - s) * k.reciprocal_growth_less_one * kMargin;
   if (d2 >= reach * reach) return;
-  const double d = std::sqrt(d2);
-  const double a = d * k.growth_less_one / s + 1.0;
-  const double size = a <= k.surely_flat ? s : source_size(k, d, s);
-  result = std::min(result, size);
+  result = std::min(result, flat_or_source_size(k, std::sqrt(d2), s));
 }
 
 void fold_fast(double x, double y, const GrowthConstants& k, const double* coords,
@@ -191,9 +195,7 @@ void fold_indexed_bounded(const SourceIndex& index, double x, double y, const Gr
   });
   for (const NearSource& n : near) {
     if (n.lower >= upper || n.s >= result) continue;
-    const double a = n.d * k.growth_less_one / n.s + 1.0;
-    const double size = a <= k.surely_flat ? n.s : source_size(k, n.d, n.s);
-    result = std::min(result, size);
+    result = std::min(result, flat_or_source_size(k, n.d, n.s));
   }
 }
 
