@@ -1,6 +1,9 @@
 #include "output/iteration_files.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <string_view>
 
 #include "common/text_tools.h"
 #include "output/number_format.h"
@@ -14,19 +17,21 @@ std::string stamped_name(const RunState& state, const std::string& kind, const s
   return trimmed(state.control.out_file_base) + kind + trimmed(state.iteration_stamp) + ending;
 }
 
-// 10 blanks, then x and y each behind 2 blanks in 15 columns, 3 decimals.
-void append_coordinates(std::string& line, double x, double y) {
-  line.append(10, ' ');
-  line += "  ";
-  append_fixed(line, x, 15, 3);
-  line += "  ";
-  append_fixed(line, y, 15, 3);
-}
-
-// One coordinate line.
-void coordinate_line(std::string& text, double x, double y) {
-  append_coordinates(text, x, y);
-  text += '\n';
+// One coordinate line: `lead` ("Center" or nothing), 10 blanks, then x and
+// y each behind 2 blanks in 15 columns, 3 decimals.  The line is made up
+// whole and appended at once, as the map files hold millions of them.
+void coordinate_line(std::string& text, double x, double y, std::string_view lead = {}) {
+  constexpr std::size_t kLongestLead = 6;
+  char line[kLongestLead + 12 + 15 + 2 + 15 + 1];
+  const std::size_t n = std::min(lead.size(), kLongestLead);
+  if (n > 0) std::memcpy(line, lead.data(), n);  // an empty lead may hold no address
+  std::memset(line + n, ' ', 12);
+  char* p = put_fixed(line + n + 12, x, 15, 3);
+  *p++ = ' ';
+  *p++ = ' ';
+  p = put_fixed(p, y, 15, 3);
+  *p++ = '\n';
+  text.append(line, static_cast<std::size_t>(p - line));
 }
 
 }  // namespace
@@ -60,19 +65,22 @@ void fill_triangle_map_files(const RunState& state, TriangleMapFiles& files) {
     }
     const double cx = (corner[0][0] + corner[1][0] + corner[2][0]) * 0.3333333333333333 + state.x_offset;
     const double cy = (corner[0][1] + corner[1][1] + corner[2][1]) * 0.3333333333333333 + state.y_offset;
-    text += "Center";
-    coordinate_line(text, cx, cy);
+    coordinate_line(text, cx, cy, "Center");
   });
   put_items(mid, triangles, [&](std::size_t k, std::string& text) {
     if (tt.itstat[k] == -1) return;
-    append_integer(text, static_cast<std::int64_t>(k + 1), 6);
+    // The number, the three neighbours and the status, each in 6 columns,
+    // made up whole and appended at once.
+    char line[5 * 7];
+    char* p = put_integer(line, static_cast<std::int64_t>(k + 1), 6);
     for (int e = 0; e < 3; ++e) {
-      text += ",";
-      append_integer(text, tt.tri_neighbour[3 * k + static_cast<std::size_t>(e)], 6);
+      *p++ = ',';
+      p = put_integer(p, tt.tri_neighbour[3 * k + static_cast<std::size_t>(e)], 6);
     }
-    text += ",";
-    append_integer(text, tt.itstat[k], 6);
-    text += '\n';
+    *p++ = ',';
+    p = put_integer(p, tt.itstat[k], 6);
+    *p++ = '\n';
+    text.append(line, static_cast<std::size_t>(p - line));
   });
   close_output(mif);
   close_output(mid);
@@ -96,21 +104,26 @@ void fill_polygon_map_files(const RunState& state, OutputFile& mif, OutputFile& 
   put_items(mif, count, [&](std::size_t k, std::string& text) {
     const std::int32_t m = cells.cell_vertex_count[k];
     const std::size_t first = static_cast<std::size_t>(cells.cell_first_vertex[k] - 1);
-    text += " \nRegion 1\n";
-    append_integer(text, m + 1, 6);
-    text += ", \n";
+    char head[11 + 6 + 3];
+    std::memcpy(head, " \nRegion 1\n", 11);
+    char* p = put_integer(head + 11, m + 1, 6);
+    std::memcpy(p, ", \n", 3);
+    text.append(head, sizeof head);
     for (std::int32_t j = 0; j <= m; ++j) {
       const std::size_t c = first + static_cast<std::size_t>(j == m ? 0 : j);
       coordinate_line(text, cells.cell_vertices[2 * c] + state.x_offset, cells.cell_vertices[2 * c + 1] + state.y_offset);
     }
-    text += "Center";
-    coordinate_line(text, cells.cell_centroid[2 * k] + state.x_offset, cells.cell_centroid[2 * k + 1] + state.y_offset);
+    coordinate_line(text, cells.cell_centroid[2 * k] + state.x_offset, cells.cell_centroid[2 * k + 1] + state.y_offset,
+                    "Center");
   });
   put_items(mid, count, [&](std::size_t k, std::string& text) {
-    append_integer(text, static_cast<std::int64_t>(k + 1), 6);
-    text += ", ";
-    append_scientific(text, std::fabs(cells.cell_area[k]), 16, 9);
-    text += '\n';
+    char line[6 + 2 + 16 + 1];
+    char* p = put_integer(line, static_cast<std::int64_t>(k + 1), 6);
+    *p++ = ',';
+    *p++ = ' ';
+    p = put_scientific(p, std::fabs(cells.cell_area[k]), 16, 9);
+    *p++ = '\n';
+    text.append(line, static_cast<std::size_t>(p - line));
   });
   close_output(mif);
   close_output(mid);
@@ -128,11 +141,17 @@ void fill_polygon_bln_file(const RunState& state, OutputFile& bln) {
     text += "\"\n";
     for (std::int32_t j = 0; j <= m; ++j) {
       const std::size_t c = first + static_cast<std::size_t>(j == m ? 0 : j);
-      text += "  ";
-      append_scientific(text, cells.cell_vertices[2 * c] + state.x_offset, 0, 10);
-      text += "  ";
-      append_scientific(text, cells.cell_vertices[2 * c + 1] + state.y_offset, 0, 10);
-      text += '\n';
+      // Each number needs at most 10 + 9 columns.
+      char line[2 * (2 + 19) + 1];
+      char* p = line;
+      for (const double value : {cells.cell_vertices[2 * c] + state.x_offset,
+                                 cells.cell_vertices[2 * c + 1] + state.y_offset}) {
+        *p++ = ' ';
+        *p++ = ' ';
+        p = put_scientific(p, value, 0, 10);
+      }
+      *p++ = '\n';
+      text.append(line, static_cast<std::size_t>(p - line));
     }
   });
   close_output(bln);
@@ -142,14 +161,15 @@ void fill_polygon_centroid_table(const RunState& state, OutputFile& dat) {
   put_line(dat, "      icpl       centroid_x       centroid_y          cell_area");
   const CellTables& cells = state.cells;
   put_items(dat, static_cast<std::size_t>(state.mesh.mesh_point_count), [&](std::size_t k, std::string& text) {
-    append_integer(text, static_cast<std::int64_t>(k + 1), 10);
-    text += "   ";
-    append_fixed(text, cells.cell_centroid[2 * k] + state.x_offset, 15, 4);
-    text += "   ";
-    append_fixed(text, cells.cell_centroid[2 * k + 1] + state.y_offset, 15, 4);
-    text += "   ";
-    append_fixed(text, std::fabs(cells.cell_area[k]), 15, 4);
-    text += '\n';
+    char line[10 + 3 * (3 + 15) + 1];
+    char* p = put_integer(line, static_cast<std::int64_t>(k + 1), 10);
+    for (const double value : {cells.cell_centroid[2 * k] + state.x_offset,
+                               cells.cell_centroid[2 * k + 1] + state.y_offset, std::fabs(cells.cell_area[k])}) {
+      std::memset(p, ' ', 3);
+      p = put_fixed(p + 3, value, 15, 4);
+    }
+    *p++ = '\n';
+    text.append(line, static_cast<std::size_t>(p - line));
   });
   close_output(dat);
 }

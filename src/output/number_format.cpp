@@ -1,5 +1,6 @@
 #include "output/number_format.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -9,6 +10,17 @@
 namespace tesseramill {
 
 namespace {
+
+// Lays `body` out in the `w` columns at `field`: right-aligned, or
+// asterisks when it is too long.
+void lay_out(char* field, const char* body, std::size_t length, std::size_t w) {
+  if (length > w) {
+    std::memset(field, '*', w);
+  } else {
+    std::memset(field, ' ', w - length);
+    std::memcpy(field + (w - length), body, length);
+  }
+}
 
 // Puts `body` into the field: right-aligned in `width` columns, or as it is
 // for width 0, or asterisks when it is too long.
@@ -26,12 +38,7 @@ void place(std::string& out, const char* body, std::size_t length, int width) {
     if (length <= w) out.append(body, length);
     return;
   }
-  if (length > w) {
-    std::memset(field, '*', w);
-  } else {
-    std::memset(field, ' ', w - length);
-    std::memcpy(field + (w - length), body, length);
-  }
+  lay_out(field, body, length, w);
   out.append(field, w);
 }
 
@@ -138,60 +145,119 @@ constexpr std::uint64_t kPowersOfTen[] = {1ULL,
                                           1000000000000000000ULL,
                                           10000000000000000000ULL};
 
-// Writes the `count` decimal digits of q, with leading zeros, at `out`.
-void put_digits(std::uint64_t q, int count, char* out) {
-  for (int k = count - 1; k >= 0; --k) {
-    out[k] = static_cast<char>('0' + q % 10);
-    q /= 10;
-  }
+// The last two decimal digits of q written before `p`, and q without them;
+// gives the new start.  Digits go in pairs from a table, which halves the
+// divisions by a constant.
+constexpr char kDigitPairs[] =
+    "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
+    "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
+    "8081828384858687888990919293949596979899";
+
+char* put_two_digits(char* p, std::uint64_t& q) {
+  const std::size_t pair = static_cast<std::size_t>(q % 100);
+  q /= 100;
+  p -= 2;
+  std::memcpy(p, kDigitPairs + 2 * pair, 2);
+  return p;
 }
 
-// significant_digits by integer arithmetic on the exact binary value, for
-// values from 1 up to 10^19 and up to 18 digits, which is where the output
-// files' coordinates and areas lie; others go to the reference.  The
-// decimal exponent comes from comparisons with powers of ten, which are
-// exact doubles up to 10^22; the digits are the exact value times
-// 10^(significant - 1 - exponent), rounded once, ties to even, as the
-// standard library rounds it.
-int significant_digits(double magnitude, int significant, char* digits) {
-  if (!(magnitude >= 1.0) || !(magnitude < 1e19) || significant < 1 || significant > 18) {
-    return significant_digits_reference(magnitude, significant, digits);
-  }
-  int exponent = 0;
+char* put_one_digit(char* p, std::uint64_t& q) {
+  *--p = static_cast<char>('0' + q % 10);
+  q /= 10;
+  return p;
+}
+
+// Writes the last `count` decimal digits of q, leading zeros included,
+// before `end`, and leaves q without them; gives the start.
+char* put_low_digits(char* end, std::uint64_t& q, int count) {
+  char* p = end;
+  int k = 0;
+  for (; k + 2 <= count; k += 2) p = put_two_digits(p, q);
+  if (k < count) p = put_one_digit(p, q);
+  return p;
+}
+
+// Writes the decimal digits of q before `end`, "0" for 0; gives the start.
+char* put_whole_digits(char* end, std::uint64_t q) {
+  char* p = end;
+  while (q >= 100) p = put_two_digits(p, q);
+  return q >= 10 ? put_two_digits(p, q) : put_one_digit(p, q);
+}
+
+// The number of decimal digits of q, 1 for 0.
+int digit_count(std::uint64_t q) {
+  int count = 1;
+  while (count < 20 && q >= kPowersOfTen[count]) ++count;
+  return count;
+}
+
+// The first `significant` digits of magnitude as the integer q, and the
+// decimal exponent of the first, by integer arithmetic on the exact binary
+// value, for values from 1 up to 10^19 and up to 18 digits, which is where
+// the output files' coordinates and areas lie; false for the others, which
+// the standard library's conversion serves.  The decimal exponent comes
+// from comparisons with powers of ten, which are exact doubles up to 10^22;
+// the digits are the exact value times 10^(significant - 1 - exponent),
+// rounded once, ties to even, as the standard library rounds it.
+bool significant_integer(double magnitude, int significant, std::uint64_t& q, int& exponent) {
+  if (!(magnitude >= 1.0) || !(magnitude < 1e19) || significant < 1 || significant > 18) return false;
+  exponent = 0;
   while (exponent < 19 && static_cast<double>(kPowersOfTen[exponent + 1]) <= magnitude) ++exponent;
   const int shift = significant - 1 - exponent;
-  if (shift < 0) return significant_digits_reference(magnitude, significant, digits);
-  std::uint64_t q = 0;
-  if (!scaled_to_integer(binary_of(magnitude), kPowersOfTen[shift], q)) {
-    return significant_digits_reference(magnitude, significant, digits);
-  }
+  if (shift < 0) return false;
+  if (!scaled_to_integer(binary_of(magnitude), kPowersOfTen[shift], q)) return false;
   // Rounding up may carry into one more digit: 9.99..96 gives 10.00..0.
   if (q == kPowersOfTen[significant]) {
     q = kPowersOfTen[significant - 1];
     ++exponent;
   }
-  put_digits(q, significant, digits);
+  return true;
+}
+
+// The digits of significant_integer as characters, or the standard
+// library's where it does not serve.
+int significant_digits(double magnitude, int significant, char* digits) {
+  std::uint64_t q = 0;
+  int exponent = 0;
+  if (!significant_integer(magnitude, significant, q, exponent)) {
+    return significant_digits_reference(magnitude, significant, digits);
+  }
+  put_low_digits(digits + significant, q, significant);
   return exponent;
 }
 
-// The digits of |value| with `decimals` digits behind the point, "i.ddd",
-// by integer arithmetic on the exact binary value, rounded once, ties to
-// even; false where the scaled value could pass 2^64 or decimals is over 18
-// (the reference then writes it).
-bool fixed_digits(double magnitude, int decimals, char* out, std::size_t& length) {
+// |value| times 10^decimals rounded once, ties to even, as the integer q,
+// by the same integer arithmetic; false where the scaled value could pass
+// 2^64 or decimals is over 18 (the standard library's conversion then
+// writes it).
+bool fixed_integer(double magnitude, int decimals, std::uint64_t& q) {
   if (decimals < 0 || decimals > 18 || !(magnitude < 1e18)) return false;
+  return scaled_to_integer(binary_of(magnitude), kPowersOfTen[decimals], q);
+}
+
+// The digits of fixed_integer's q laid out "i.ddd" before `end`: from the
+// right, the `decimals` digits of the fraction, leading zeros included, the
+// point, then the whole part, "0" when it is 0.  Dividing by the constant
+// 10 costs a multiplication, where splitting q at 10^decimals would cost a
+// division.  Gives the start.
+char* put_fixed_digits(char* end, std::uint64_t q, int decimals) {
+  char* p = put_low_digits(end, q, decimals);
+  if (decimals > 0) *--p = '.';
+  return put_whole_digits(p, q);
+}
+
+// The columns of fixed_integer's q laid out: the digits, at least one
+// before the point, and the point.
+std::size_t fixed_length(std::uint64_t q, int decimals) {
+  const int digits = std::max(digit_count(q), decimals + 1);
+  return static_cast<std::size_t>(digits + (decimals > 0 ? 1 : 0));
+}
+
+bool fixed_digits(double magnitude, int decimals, char* out, std::size_t& length) {
   std::uint64_t q = 0;
-  if (!scaled_to_integer(binary_of(magnitude), kPowersOfTen[decimals], q)) return false;
-  const std::uint64_t whole = q / kPowersOfTen[decimals];
-  const std::uint64_t fraction = q % kPowersOfTen[decimals];
-  auto result = std::to_chars(out, out + 24, whole);
-  char* p = result.ptr;
-  if (decimals > 0) {
-    *p++ = '.';
-    put_digits(fraction, decimals, p);
-    p += decimals;
-  }
-  length = static_cast<std::size_t>(p - out);
+  if (!fixed_integer(magnitude, decimals, q)) return false;
+  length = fixed_length(q, decimals);
+  put_fixed_digits(out + length, q, decimals);
   return true;
 }
 
@@ -225,6 +291,39 @@ void append_fixed(std::string& out, double value, int width, int decimals) {
     return;
   }
   place(out, buffer, static_cast<std::size_t>(p - buffer) + length, width);
+}
+
+char* put_integer(char* at, std::int64_t value, int width) {
+  char buffer[24];
+  auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+  const std::size_t w = static_cast<std::size_t>(width < 1 ? 1 : width);
+  lay_out(at, buffer, static_cast<std::size_t>(result.ptr - buffer), w);
+  return at + w;
+}
+
+char* put_fixed(char* at, double value, int width, int decimals) {
+  const std::size_t w = static_cast<std::size_t>(width < 1 ? 1 : width);
+  std::uint64_t q = 0;
+  if (std::isfinite(value) && fixed_integer(std::fabs(value), decimals, q)) {
+    // The digits go straight to the right end of the field, and the blanks
+    // before them: no copy of the text on the way.
+    const bool negative = value < 0.0;
+    const std::size_t length = fixed_length(q, decimals) + (negative ? 1 : 0);
+    if (length > w) {
+      std::memset(at, '*', w);
+      return at + w;
+    }
+    char* p = put_fixed_digits(at + w, q, decimals);
+    if (negative) *--p = '-';
+    std::memset(at, ' ', static_cast<std::size_t>(p - at));
+    return at + w;
+  }
+  // The rare values the integer path leaves (words, the very large) take
+  // the long way; a field of w columns holds exactly w characters.
+  std::string text;
+  append_fixed(text, value, static_cast<int>(w), decimals);
+  std::memcpy(at, text.data(), w);
+  return at + w;
 }
 
 void append_fixed_reference(std::string& out, double value, int width, int decimals) {
@@ -276,6 +375,38 @@ void zero_led(std::string& out, double value, int width, int decimals, DigitsOf 
 
 void append_scientific(std::string& out, double value, int width, int decimals) {
   scientific(out, value, width, decimals, significant_digits);
+}
+
+char* put_scientific(char* at, double value, int width, int decimals) {
+  std::uint64_t q = 0;
+  int exponent = 0;
+  if (std::isfinite(value) && decimals >= 0 && significant_integer(std::fabs(value), decimals + 1, q, exponent)) {
+    // "d.dddE+xx" straight into the line, right-aligned in a field of
+    // `width` columns: the exponent here lies from 0 to 19, so its part is
+    // always four columns.
+    const bool negative = value < 0.0;
+    const std::size_t length = (negative ? 1 : 0) + 2 + static_cast<std::size_t>(decimals) + 4;
+    char* p = at;
+    if (width > 0) {
+      const std::size_t w = static_cast<std::size_t>(width);
+      if (length > w) {
+        std::memset(at, '*', w);
+        return at + w;
+      }
+      std::memset(at, ' ', w - length);
+      p = at + (w - length);
+    }
+    if (negative) *p++ = '-';
+    char* const rest = p + 2;
+    put_low_digits(rest + decimals, q, decimals);
+    p[0] = static_cast<char>('0' + q);
+    p[1] = '.';
+    return write_exponent(rest + decimals, exponent);
+  }
+  std::string text;
+  append_scientific(text, value, width, decimals);
+  std::memcpy(at, text.data(), text.size());
+  return at + text.size();
 }
 
 void append_scientific_reference(std::string& out, double value, int width, int decimals) {

@@ -31,6 +31,17 @@ void append_scientific(std::string& out, double value, int width, int decimals);
 // unless the value is 0.
 void append_zero_led(std::string& out, double value, int width, int decimals);
 
+// The integer and fixed-point layouts written straight into a line being
+// made up, for the writers of the large files: exactly `width` columns
+// (at least 1) at `at`, the same characters as append_integer and
+// append_fixed give; returns the end of the field.
+char* put_integer(char* at, std::int64_t value, int width);
+char* put_fixed(char* at, double value, int width, int decimals);
+// The one-digit scientific layout likewise; a width of 0 gives the columns
+// the number needs.  The line must have room for the larger of `width` and
+// decimals + 9 characters.
+char* put_scientific(char* at, double value, int width, int decimals);
+
 // The same layouts with every digit from the standard library's conversion
 // (std::to_chars), which the layouts above give bit for bit by integer
 // arithmetic where the value allows; for tests and benchmarks.

@@ -47,6 +47,28 @@ std::string reference(const Layout& l, double v) {
   return out;
 }
 
+// Whether the layout can also be written straight into a line: the fixed
+// one in a field of at least one column, the scientific one in any.
+bool puttable(const Layout& l) { return (l.kind == 'f' && l.width >= 1) || l.kind == 's'; }
+
+// The layout written straight into a line of '#'; a byte written past the
+// field shows as a failure.
+std::string put(const Layout& l, double v) {
+  char line[128];
+  std::memset(line, '#', sizeof line);
+  char* end = line;
+  if (l.kind == 'f') end = put_fixed(line, v, l.width, l.decimals);
+  if (l.kind == 's') end = put_scientific(line, v, l.width, l.decimals);
+  const std::size_t length = static_cast<std::size_t>(end - line);
+  for (std::size_t k = length; k < sizeof line; ++k) {
+    if (line[k] != '#') {
+      ADD_FAILURE() << "written past the field at " << k << " of " << std::hexfloat << v;
+      break;
+    }
+  }
+  return std::string(line, length);
+}
+
 void expect_same_text(const std::vector<double>& values) {
   int differences = 0;
   for (double v : values) {
@@ -56,6 +78,12 @@ void expect_same_text(const std::vector<double>& values) {
       if (a != b && ++differences <= 10) {
         ADD_FAILURE() << l.kind << " width " << l.width << " decimals " << l.decimals << " of "
                       << std::hexfloat << v << ": " << a << " against " << b;
+      }
+      if (!puttable(l)) continue;
+      const std::string c = put(l, v);
+      if (c != a && ++differences <= 10) {
+        ADD_FAILURE() << "put " << l.kind << " width " << l.width << " decimals " << l.decimals << " of "
+                      << std::hexfloat << v << ": " << c << " against " << a;
       }
     }
   }
@@ -131,6 +159,33 @@ TEST(NumberDigits, CarriesAndTheEdgesOfTheIntegerPath) {
     values.push_back(std::nextafter(v, INFINITY));
   }
   expect_same_text(values);
+}
+
+TEST(NumberDigits, WordsAndOverflowsWrittenStraightIntoALine) {
+  const std::vector<double> values = {INFINITY, -INFINITY, NAN, 1e300, -1e300, 123456789012.5, -0.0, 1e-300};
+  expect_same_text(values);
+  EXPECT_EQ(put({'f', 15, 3}, INFINITY), "       Infinity");
+  EXPECT_EQ(put({'f', 6, 3}, 123456.0), "******");
+  EXPECT_EQ(put({'s', 0, 10}, -INFINITY), "-Infinity");
+  EXPECT_EQ(put({'s', 16, 9}, NAN), "             NaN");
+  EXPECT_EQ(put({'s', 0, 10}, -1.5e-300), "-1.5000000000E-300");
+}
+
+TEST(NumberDigits, IntegersWrittenStraightIntoALine) {
+  const std::vector<std::int64_t> values = {0, 1, -1, 9, 10, 99999, 100000, 999999, 1000000, -99999, -100000,
+                                            2147483647, -2147483647 - 1, INT64_MAX, INT64_MIN};
+  for (std::int64_t v : values) {
+    for (int width : {1, 5, 6, 7, 10, 20, 24}) {
+      char line[64];
+      std::memset(line, '#', sizeof line);
+      char* end = put_integer(line, v, width);
+      ASSERT_EQ(end - line, width) << v;
+      EXPECT_EQ(std::string(line, end), format_integer(v, width)) << v << " in " << width;
+      EXPECT_EQ(line[width], '#');
+    }
+  }
+  char line[8];
+  EXPECT_EQ(std::string(line, put_integer(line, 1234567, 6)), "******");
 }
 
 }  // namespace
