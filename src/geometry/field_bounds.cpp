@@ -47,6 +47,7 @@ void bound_field(const RunState& state, double xlo, double xhi, double ylo, doub
   b.xs.clear();
   b.ys.clear();
   b.separations.clear();
+  b.lowers.clear();
   Growth g;
   const SourceIndex& index = state.source_index;
   const DomainIndex& domain = state.domain_index;
@@ -83,7 +84,7 @@ void bound_field(const RunState& state, double xlo, double xhi, double ylo, doub
   const std::int64_t j0 = static_cast<std::int64_t>(std::clamp(grid.row_of(ylo), -reach_limit, reach_limit));
   const std::int64_t j1 = static_cast<std::int64_t>(std::clamp(grid.row_of(yhi), -reach_limit, reach_limit));
   double upper = cap_hi;  // the smallest upper bound so far
-  std::vector<double> lowers;
+  std::vector<double>& lowers = b.lowers;
   auto visit_cell = [&](std::int64_t i, std::int64_t j) {
     if (i < 0 || i >= grid.nx || j < 0 || j >= grid.ny) return;
     const std::size_t c = grid.cell(static_cast<std::int32_t>(i), static_cast<std::int32_t>(j));
@@ -197,6 +198,12 @@ void keep_tile_sources(const RunState& state, const FieldBounds& b, double xlo, 
   thread_local std::vector<double> lowers;
   lowers.clear();
   for (std::size_t k = 0; k < b.xs.size(); ++k) {
+    // The tile lies in the rectangle, so a source's lower bound over the
+    // tile is at least its lower bound over the rectangle (the rounded
+    // distance to the tile's nearest point is no shorter, as above): a
+    // source whose bound over the rectangle already reaches U would be left
+    // out below, and is passed over without its distance.
+    if (b.lowers[k] >= upper) continue;
     const double sx = b.xs[k];
     const double sy = b.ys[k];
     const double s = b.separations[k];

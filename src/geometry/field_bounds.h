@@ -29,6 +29,8 @@ struct FieldBounds {
   std::vector<double> xs;
   std::vector<double> ys;
   std::vector<double> separations;
+  // Each kept source's lower bound over the whole rectangle.
+  std::vector<double> lowers;
 };
 
 // Bounds the field over [xlo, xhi] x [ylo, yhi] with the run's growth rate.
