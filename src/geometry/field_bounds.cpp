@@ -107,7 +107,11 @@ void bound_field(const RunState& state, double xlo, double xhi, double ylo, doub
     }
   };
   const std::int64_t last_ring = std::max({i1 - 0, grid.nx - 1 - i0, j1 - 0, grid.ny - 1 - j0}) + 1;
-  for (std::int64_t r = 0; r <= last_ring; ++r) {
+  // The walk starts at the first ring that may hold a source: the rings
+  // inside it hold none, so visiting them would change nothing, and the
+  // test that ends the walk only grows with r, so a walk that would have
+  // ended among them ends at that ring, before visiting it.
+  for (std::int64_t r = empty_rings_around(index, i0, i1, j0, j1); r <= last_ring; ++r) {
     // Every cell of ring r lies at least (r - 1) cell sides from the
     // rectangle; one side less allows for a column or row that rounding
     // put one cell over.

@@ -122,7 +122,11 @@ void walk_rings(const SourceIndex& index, double x, double y, const GrowthConsta
       visit(index.xs[at], index.ys[at], index.separations[at]);
     }
   };
-  for (std::int64_t r = 0; r <= last_ring; ++r) {
+  // The walk starts at the first ring that may hold a source: the rings
+  // inside it hold none, `bound` keeps its value over them, and the test
+  // that ends the walk only grows with r, so a walk that would have ended
+  // among them ends at that ring, before visiting it.
+  for (std::int64_t r = empty_rings_around(index, ci, ci, cj, cj); r <= last_ring; ++r) {
     if (r > 1) {
       // Every cell of ring r lies at least (r - 1) cell widths away.
       const double nearest = static_cast<double>(r - 1) * g.h;

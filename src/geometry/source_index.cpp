@@ -28,7 +28,68 @@ void for_each_source(const RunState& state, Visit visit) {
   for (const BoundaryRing& ring : state.inner_polygons) chain(ring);
 }
 
+// The empty rings of every cell, from the cells that hold sources: a
+// sweep forwards and one backwards, each taking from the four neighbours
+// already swept, give the exact Chebyshev distance to the nearest such
+// cell (the two-pass chessboard distance transform).  Distances stay below
+// the grid's side, 2048, so 16 bits hold them.
+void count_empty_rings(SourceIndex& index) {
+  const CellGrid& g = index.grid;
+  std::vector<std::uint16_t>& rings = index.empty_rings;
+  rings.assign(g.cell_count(), kNoSourceNear);
+  for (std::size_t c = 0; c < g.cell_count(); ++c) {
+    if (index.cell_start[c + 1] > index.cell_start[c]) rings[c] = 0;
+  }
+  auto take_from = [&](std::int32_t i, std::int32_t j, std::uint16_t& to) {
+    if (i < 0 || i >= g.nx || j < 0 || j >= g.ny) return;
+    const std::uint16_t from = rings[g.cell(i, j)];
+    if (from != kNoSourceNear && from + 1 < to) to = static_cast<std::uint16_t>(from + 1);
+  };
+  for (std::int32_t j = 0; j < g.ny; ++j) {
+    for (std::int32_t i = 0; i < g.nx; ++i) {
+      std::uint16_t& to = rings[g.cell(i, j)];
+      take_from(i - 1, j, to);
+      take_from(i - 1, j - 1, to);
+      take_from(i, j - 1, to);
+      take_from(i + 1, j - 1, to);
+    }
+  }
+  for (std::int32_t j = g.ny - 1; j >= 0; --j) {
+    for (std::int32_t i = g.nx - 1; i >= 0; --i) {
+      std::uint16_t& to = rings[g.cell(i, j)];
+      take_from(i + 1, j, to);
+      take_from(i + 1, j + 1, to);
+      take_from(i, j + 1, to);
+      take_from(i - 1, j + 1, to);
+    }
+  }
+}
+
 }  // namespace
+
+std::int64_t empty_rings_around(const SourceIndex& index, std::int64_t i0, std::int64_t i1, std::int64_t j0,
+                                std::int64_t j1) {
+  const CellGrid& g = index.grid;
+  if (index.empty_rings.size() != g.cell_count() || g.nx < 1 || g.ny < 1) return 0;
+  // Clamping a cell into the grid brings it no farther from any cell of
+  // the grid along either axis, so the clamped block lies no farther from
+  // the nearest cell with a source than the block itself: its empty rings
+  // are a safe count for the block.
+  const std::int64_t ilo = std::clamp<std::int64_t>(i0, 0, g.nx - 1);
+  const std::int64_t ihi = std::clamp<std::int64_t>(i1, 0, g.nx - 1);
+  const std::int64_t jlo = std::clamp<std::int64_t>(j0, 0, g.ny - 1);
+  const std::int64_t jhi = std::clamp<std::int64_t>(j1, 0, g.ny - 1);
+  constexpr std::int64_t kLargestBlock = 64;
+  if ((ihi - ilo + 1) * (jhi - jlo + 1) > kLargestBlock) return 0;
+  std::int64_t fewest = kNoSourceNear;
+  for (std::int64_t j = jlo; j <= jhi; ++j) {
+    for (std::int64_t i = ilo; i <= ihi; ++i) {
+      const std::size_t c = g.cell(static_cast<std::int32_t>(i), static_cast<std::int32_t>(j));
+      fewest = std::min<std::int64_t>(fewest, index.empty_rings[c]);
+    }
+  }
+  return fewest;
+}
 
 void build_source_index(RunState& state) {
   SourceIndex& index = state.source_index;
@@ -58,6 +119,7 @@ void build_source_index(RunState& state) {
     index.grid.nx = 1;
     index.grid.ny = 1;
     index.cell_start.assign(2, 0);
+    count_empty_rings(index);
     index.built = true;
     return;
   }
@@ -92,6 +154,7 @@ void build_source_index(RunState& state) {
     index.ys[at] = y;
     index.separations[at] = s;
   });
+  count_empty_rings(index);
   index.built = true;
 }
 

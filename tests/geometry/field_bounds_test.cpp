@@ -5,10 +5,12 @@
 #include <cmath>
 #include <cstring>
 #include <sstream>
+#include <utility>
 
 #include "geometry/field_bounds.h"
 #include "geometry/local_separation.h"
 #include "geometry/planar_tools.h"
+#include "geometry/cell_grid.h"
 #include "geometry/source_index.h"
 #include "model_family.h"
 #include "support/model_state.h"
@@ -231,6 +233,80 @@ void state_with_sources(RunState& state, const std::vector<double>& coords, cons
   state.inner_point_sets = {points};
   build_domain_index(state);
   build_source_index(state);
+}
+
+// The Chebyshev distance in cells from the block i0..i1, j0..j1 to the
+// nearest of the cells that hold a source, `full`, by trying each.
+std::int64_t rings_by_search(const std::vector<std::pair<std::int64_t, std::int64_t>>& full, std::int64_t i0,
+                             std::int64_t i1, std::int64_t j0, std::int64_t j1) {
+  std::int64_t nearest = kNoSourceNear;
+  for (const auto& [i, j] : full) {
+    const std::int64_t di = std::max<std::int64_t>({i0 - i, i - i1, 0});
+    const std::int64_t dj = std::max<std::int64_t>({j0 - j, j - j1, 0});
+    nearest = std::min(nearest, std::max(di, dj));
+  }
+  return nearest;
+}
+
+TEST(SourceIndex, EmptyRingsAreTheDistanceToTheNearestCellWithASource) {
+  Random random(20261125);
+  RunState state;
+  for (int trial = 0; trial < 40; ++trial) {
+    // From no source at all to a few dozen, some on the rim of the domain;
+    // a cap of 10 gives a grid of about 200 cells a side.
+    const int count = trial % 10 == 0 ? 0 : 1 + static_cast<int>(random.uniform(0, 40));
+    std::vector<double> coords;
+    std::vector<double> separations;
+    for (int k = 0; k < count; ++k) {
+      const bool rim = k % 7 == 3;
+      coords.push_back(rim ? 1000.0 : random.uniform(-1000, 1000));
+      coords.push_back(random.uniform(-1000, 1000));
+      separations.push_back(random.uniform(1, 50));
+    }
+    state_with_sources(state, coords, separations);
+    state.control.max_centroid_separation = 10.0;
+    build_source_index(state);
+    const SourceIndex& index = state.source_index;
+    ASSERT_TRUE(index.built);
+    const CellGrid& g = index.grid;
+    ASSERT_EQ(index.empty_rings.size(), g.cell_count());
+    std::vector<std::pair<std::int64_t, std::int64_t>> full;
+    for (std::int32_t j = 0; j < g.ny; ++j) {
+      for (std::int32_t i = 0; i < g.nx; ++i) {
+        if (index.cell_start[g.cell(i, j) + 1] > index.cell_start[g.cell(i, j)]) full.emplace_back(i, j);
+      }
+    }
+    int differences = 0;
+    for (std::int32_t j = 0; j < g.ny; ++j) {
+      for (std::int32_t i = 0; i < g.nx; ++i) {
+        const std::int64_t expected = rings_by_search(full, i, i, j, j);
+        if (index.empty_rings[g.cell(i, j)] != expected && ++differences <= 5) {
+          ADD_FAILURE() << "trial " << trial << " cell " << i << "," << j << ": " << index.empty_rings[g.cell(i, j)]
+                        << " against " << expected;
+        }
+      }
+    }
+    EXPECT_EQ(differences, 0);
+    // Blocks inside the grid get their exact distance; blocks reaching out
+    // of it a count no larger than theirs, and many-celled blocks 0.
+    for (int block = 0; block < 200; ++block) {
+      const std::int64_t i0 = static_cast<std::int64_t>(random.uniform(-20, g.nx + 20));
+      const std::int64_t j0 = static_cast<std::int64_t>(random.uniform(-20, g.ny + 20));
+      const std::int64_t i1 = i0 + static_cast<std::int64_t>(random.uniform(0, 10));
+      const std::int64_t j1 = j0 + static_cast<std::int64_t>(random.uniform(0, 10));
+      const std::int64_t got = empty_rings_around(index, i0, i1, j0, j1);
+      const std::int64_t truth = rings_by_search(full, i0, i1, j0, j1);
+      EXPECT_LE(got, truth) << i0 << ".." << i1 << " x " << j0 << ".." << j1;
+      const bool inside = i0 >= 0 && i1 < g.nx && j0 >= 0 && j1 < g.ny;
+      const std::int64_t columns = std::min<std::int64_t>(i1, g.nx - 1) - std::max<std::int64_t>(i0, 0) + 1;
+      const std::int64_t rows = std::min<std::int64_t>(j1, g.ny - 1) - std::max<std::int64_t>(j0, 0) + 1;
+      if (columns > 0 && rows > 0 && columns * rows > 64) {
+        EXPECT_EQ(got, 0);
+      } else if (inside) {
+        EXPECT_EQ(got, truth) << i0 << ".." << i1 << " x " << j0 << ".." << j1;
+      }
+    }
+  }
 }
 
 // Sources on an integer lattice with equal separations, so that distances
