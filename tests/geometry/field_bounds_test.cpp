@@ -7,10 +7,10 @@
 #include <sstream>
 #include <utility>
 
+#include "geometry/cell_grid.h"
 #include "geometry/field_bounds.h"
 #include "geometry/local_separation.h"
 #include "geometry/planar_tools.h"
-#include "geometry/cell_grid.h"
 #include "geometry/source_index.h"
 #include "model_family.h"
 #include "support/model_state.h"
