@@ -236,31 +236,89 @@ void strike_outside_domain(const RunState& state, ProposalScratch& f, const Grid
   }
 }
 
+// Strikes the n candidates of a row from p on.  The runs are short (a
+// square's side is about 12 candidates with the default NSDIM), so they are
+// written with at most two overlapping stores, which never reach past the
+// run, rather than by a call per run.
+void strike_run(std::uint8_t* p, std::size_t n) {
+  static constexpr std::uint8_t kStruck[16] = {};
+  if (n > 32) {
+    std::memset(p, 0, n);
+  } else if (n >= 16) {
+    std::memcpy(p, kStruck, 16);
+    std::memcpy(p + n - 16, kStruck, 16);
+  } else if (n >= 8) {
+    std::memcpy(p, kStruck, 8);
+    std::memcpy(p + n - 8, kStruck, 8);
+  } else if (n >= 4) {
+    std::memcpy(p, kStruck, 4);
+    std::memcpy(p + n - 4, kStruck, 4);
+  } else if (n > 0) {
+    p[0] = 0;
+    p[n / 2] = 0;
+    p[n - 1] = 0;
+  }
+}
+
+// Whether any of the n candidates of a row from p on is open: the flags are
+// 0 or 1, so eight of them are read at once and only compared with zero.
+bool any_open_in_run(const std::uint8_t* p, std::size_t n) {
+  if (n < 8) {
+    for (std::size_t i = 0; i < n; ++i) {
+      if (p[i] != 0) return true;
+    }
+    return false;
+  }
+  std::uint64_t any = 0;
+  for (std::size_t i = 0; i + 8 <= n; i += 8) {
+    std::uint64_t eight = 0;
+    std::memcpy(&eight, p + i, sizeof eight);
+    any |= eight;
+  }
+  std::uint64_t last = 0;
+  std::memcpy(&last, p + n - 8, sizeof last);
+  return (any | last) != 0;
+}
+
 // Strikes at once the candidates of the square inscribed in each listed
 // point's disc of sure strikes.  The squared distance as the literal step
 // rounds it grows with the rounded dx * dx and dy * dy, and each of those is
 // largest at an end of its range of columns or rows, so over a rectangle of
 // candidates it is largest at one of the four corners: when all four lie
-// closer than the smallest clearance, every candidate between does.
+// closer than the smallest clearance, every candidate between does.  The
+// corners alone decide; the columns and rows of the square are only a
+// guess, taken with a product by 1 / h in place of a quotient, and a guess
+// too wide fails at a corner and strikes nothing here, leaving its
+// candidates to the tests one by one.
 void strike_squares(ProposalScratch& f, const Grid& g, double h, double x0, double y0, double limit_lo) {
   if (!(limit_lo > 0.0)) return;
   const double half_side = std::sqrt(limit_lo) * 0.7071;
-  auto first_index = [&](double from, double origin) {
-    return std::max<double>(-g.half, std::ceil((from - origin) / h));
+  const double per_h = 1.0 / h;
+  // The first column or row at or after t candidates from the seed, and the
+  // last at or before, within the grid or just past it when t is; a value
+  // that is no number gives the grid's edge.  Rounding up and down by the
+  // integer conversion spares the platform's ceil and floor.
+  const std::int32_t half = g.half;
+  auto first_index = [&](double t) {
+    if (!(t > -half)) return -half;
+    if (t > half) return half + 1;
+    const std::int32_t i = static_cast<std::int32_t>(t);
+    return i < t ? i + 1 : i;
   };
-  auto last_index = [&](double to, double origin) { return std::min<double>(g.half, std::floor((to - origin) / h)); };
+  auto last_index = [&](double t) {
+    if (!(t < half)) return half;
+    if (t < -half) return -half - 1;
+    const std::int32_t i = static_cast<std::int32_t>(t);
+    return i > t ? i - 1 : i;
+  };
   for (std::size_t p = 0; p < f.near_x.size(); ++p) {
     const double px = f.near_x[p];
     const double py = f.near_y[p];
-    const double k0 = first_index(px - half_side, x0);
-    const double k1 = last_index(px + half_side, x0);
-    const double j0 = first_index(py - half_side, y0);
-    const double j1 = last_index(py + half_side, y0);
-    if (!(k0 <= k1 && j0 <= j1)) continue;
-    const std::int32_t klo = static_cast<std::int32_t>(k0);
-    const std::int32_t khi = static_cast<std::int32_t>(k1);
-    const std::int32_t jlo = static_cast<std::int32_t>(j0);
-    const std::int32_t jhi = static_cast<std::int32_t>(j1);
+    const std::int32_t klo = first_index((px - half_side - x0) * per_h);
+    const std::int32_t khi = last_index((px + half_side - x0) * per_h);
+    const std::int32_t jlo = first_index((py - half_side - y0) * per_h);
+    const std::int32_t jhi = last_index((py + half_side - y0) * per_h);
+    if (klo > khi || jlo > jhi) continue;
     bool inside = true;
     for (std::int32_t k : {klo, khi}) {
       for (std::int32_t j : {jlo, jhi}) {
@@ -271,7 +329,7 @@ void strike_squares(ProposalScratch& f, const Grid& g, double h, double x0, doub
     }
     if (!inside) continue;
     for (std::int32_t j = jlo; j <= jhi; ++j) {
-      std::fill_n(f.open.begin() + static_cast<std::ptrdiff_t>(g.at(klo, j)), khi - klo + 1, std::uint8_t{0});
+      strike_run(f.open.data() + g.at(klo, j), static_cast<std::size_t>(khi - klo + 1));
     }
   }
 }
@@ -289,10 +347,7 @@ void strike_near_points(const RunState& state, ProposalScratch& f, const Grid& g
   // the window is taken generously, as the comparisons inside it are exact.
   const double window = std::sqrt(limit_hi) * 1.001 + 1e-9 * (std::fabs(g.x(-g.half)) + std::fabs(g.x(g.half)));
   for (std::int32_t j = -g.half; j <= g.half; ++j) {
-    const std::size_t row_start = g.at(-g.half, j);
-    if (std::find(f.open.begin() + static_cast<std::ptrdiff_t>(row_start),
-                  f.open.begin() + static_cast<std::ptrdiff_t>(row_start) + g.nsdim, std::uint8_t{1}) ==
-        f.open.begin() + static_cast<std::ptrdiff_t>(row_start) + g.nsdim) {
+    if (!any_open_in_run(f.open.data() + g.at(-g.half, j), static_cast<std::size_t>(g.nsdim))) {
       continue;  // the whole row is struck already
     }
     const double y = g.y(j);

@@ -170,8 +170,10 @@ TEST(FastEmplacement, ChoosesAsTheLiteralStepsThroughExactTies) {
     state.control.poly_growth_rate = 1.2;
     state.control.max_centroid_separation = 10.0;
     state.smallest_max_separation = 10.0;
-    const std::int32_t sizes[] = {5, 15, 25, 7};
-    state.control.nsdim = sizes[trial % 4];
+    // The 41 candidates of a row of the widest grid go past the short runs
+    // that are struck with a store or two.
+    const std::int32_t sizes[] = {5, 15, 25, 7, 41};
+    state.control.nsdim = sizes[trial % 5];
     state.outer_boundary.vertices = {-1000, -1000, 1000, -1000, 1000, 1000, -1000, 1000, -1000, -1000};
     state.outer_boundary.vertex_count = 5;
     if (trial % 3 == 0) {
