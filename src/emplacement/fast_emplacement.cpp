@@ -558,6 +558,15 @@ void start_fast_emplacement(RunState& state) {
   f.ready = true;
 }
 
+void finish_fast_emplacement(RunState& state) {
+  FastEmplacement& f = state.fast_emplacement;
+  const std::int64_t shared_seeds = f.shared_seeds;
+  const std::int64_t proposed_again = f.proposed_again;
+  f = FastEmplacement{};
+  f.shared_seeds = shared_seeds;
+  f.proposed_again = proposed_again;
+}
+
 PointView run_points(const RunState& state) {
   PointView view;
   view.index = &state.fast_emplacement.mesh_index;
@@ -566,14 +575,16 @@ PointView run_points(const RunState& state) {
   return view;
 }
 
-void points_in_view(const PointView& view, double xlo, double xhi, double ylo, double yhi,
-                    std::vector<std::int32_t>& out, std::vector<std::int32_t>& scratch) {
-  points_in_box(*view.index, xlo, xhi, ylo, yhi, out);
+void entries_in_view(const PointView& view, double xlo, double xhi, double ylo, double yhi,
+                     std::vector<MeshPointIndex::Entry>& out) {
+  out.clear();
+  entries_in_box(*view.index, xlo, xhi, ylo, yhi, out);
   if (view.own == nullptr) return;
   // The part's own points are numbered on from the run's, in the order they
-  // were placed, so the list stays ascending.
-  points_in_box(*view.own, xlo, xhi, ylo, yhi, scratch);
-  for (std::int32_t q : scratch) out.push_back(view.count + q);
+  // were placed.
+  const std::size_t from = out.size();
+  entries_in_box(*view.own, xlo, xhi, ylo, yhi, out);
+  for (std::size_t i = from; i < out.size(); ++i) out[i].number += view.count;
 }
 
 void propose_fast(const RunState& state, ProposalScratch& f, const PointView& view, std::int32_t seed,
@@ -609,7 +620,7 @@ void propose_fast(const RunState& state, ProposalScratch& f, const PointView& vi
     const double xhi = g.x(g.half) + box;
     const double ylo = g.y(-g.half) - box;
     const double yhi = g.y(g.half) + box;
-    points_in_view(view, xlo, xhi, ylo, yhi, f.near, f.own_near);
+    entries_in_view(view, xlo, xhi, ylo, yhi, f.near);
     // The boxes of the growing grid hold one another, but the widest of all
     // is kept as it stands, so that it holds every box searched.
     out.xlo = out.searched ? std::min(out.xlo, xlo) : xlo;
@@ -634,15 +645,20 @@ void propose_fast(const RunState& state, ProposalScratch& f, const PointView& vi
   f.open.assign(candidates, 1);
   forget_exact(f, candidates);
 
-  // The listed points sorted by x, with their numbers.
-  f.near_number = f.near;
-  std::sort(f.near_number.begin(), f.near_number.end(),
-            [&](std::int32_t a, std::int32_t b) { return view.x(a) < view.x(b); });
+  // The listed points sorted by x, with their numbers; the numbers settle
+  // ties, though nothing below depends on the order among points of equal
+  // x: the strikes and the choice each take a minimum or an existence over
+  // the points.
+  std::sort(f.near.begin(), f.near.end(), [](const MeshPointIndex::Entry& a, const MeshPointIndex::Entry& b) {
+    return a.x < b.x || (a.x == b.x && a.number < b.number);
+  });
+  f.near_number.clear();
   f.near_x.clear();
   f.near_y.clear();
-  for (std::int32_t p : f.near_number) {
-    f.near_x.push_back(view.x(p));
-    f.near_y.push_back(view.y(p));
+  for (const MeshPointIndex::Entry& e : f.near) {
+    f.near_number.push_back(e.number);
+    f.near_x.push_back(e.x);
+    f.near_y.push_back(e.y);
   }
 
   strike_near_points(state, f, g, h, x0, y0);

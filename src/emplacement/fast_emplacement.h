@@ -25,9 +25,8 @@ struct alignas(64) ProposalScratch {
   // the field's sources that matter in it, kept when first needed.
   std::vector<TileSources> tiles;
   std::vector<std::uint8_t> tile_kept;
-  // The near list in ascending order, and its points sorted by x.
-  std::vector<std::int32_t> near;
-  std::vector<std::int32_t> own_near;
+  // The near list's points as the indexes give them, then sorted by x.
+  std::vector<MeshPointIndex::Entry> near;
   std::vector<std::int32_t> near_number;
   std::vector<double> near_x;
   std::vector<double> near_y;
@@ -106,13 +105,17 @@ struct Proposal {
 // far and the boundaries.
 void start_fast_emplacement(RunState& state);
 
+// Frees the indexes and tables of the fast proposal once the interior is
+// filled; the counts of shared and proposed-again seeds stay.
+void finish_fast_emplacement(RunState& state);
+
 // Every mesh point of the run, as the index holds them.
 PointView run_points(const RunState& state);
 
-// The points of `view` with xlo <= x <= xhi and ylo <= y <= yhi, ascending,
-// as points_in_box lists them; `scratch` is working space.
-void points_in_view(const PointView& view, double xlo, double xhi, double ylo, double yhi,
-                    std::vector<std::int32_t>& out, std::vector<std::int32_t>& scratch);
+// The points of `view` with xlo <= x <= xhi and ylo <= y <= yhi, with their
+// numbers in the view and their coordinates, in no set order.
+void entries_in_view(const PointView& view, double xlo, double xhi, double ylo, double yhi,
+                     std::vector<MeshPointIndex::Entry>& out);
 
 // What the literal steps of seed `seed` (one of the run's points in `view`)
 // choose among the points of `view`, worked out with indexes and bounds;

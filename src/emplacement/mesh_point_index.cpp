@@ -10,13 +10,6 @@ namespace {
 constexpr std::size_t kLeafPoints = 16;
 constexpr std::int32_t kDeepest = kMeshIndexDeepest;
 
-double px(const MeshPointIndex& index, std::int32_t number) {
-  return (*index.coordinates)[2 * static_cast<std::size_t>(number - 1)];
-}
-double py(const MeshPointIndex& index, std::int32_t number) {
-  return (*index.coordinates)[2 * static_cast<std::size_t>(number - 1) + 1];
-}
-
 // Which child of `cell` holds (x, y): bit 0 east, bit 1 north.
 std::int32_t quadrant(const MeshPointIndex::Cell& cell, double x, double y) {
   const double half = cell.size * 0.5;
@@ -30,22 +23,24 @@ bool in_region(const MeshPointIndex& index, double x, double y) {
 
 void split(MeshPointIndex& index, std::int32_t c) {
   const std::int32_t first = static_cast<std::int32_t>(index.cells.size());
-  const MeshPointIndex::Cell parent = index.cells[static_cast<std::size_t>(c)];
-  const double half = parent.size * 0.5;
+  const double x0 = index.cells[static_cast<std::size_t>(c)].x0;
+  const double y0 = index.cells[static_cast<std::size_t>(c)].y0;
+  const double half = index.cells[static_cast<std::size_t>(c)].size * 0.5;
+  const std::int32_t depth = index.cells[static_cast<std::size_t>(c)].depth;
   for (std::int32_t q = 0; q < 4; ++q) {
     MeshPointIndex::Cell child;
-    child.x0 = parent.x0 + (q & 1 ? half : 0.0);
-    child.y0 = parent.y0 + (q & 2 ? half : 0.0);
+    child.x0 = x0 + (q & 1 ? half : 0.0);
+    child.y0 = y0 + (q & 2 ? half : 0.0);
     child.size = half;
-    child.depth = parent.depth + 1;
+    child.depth = depth + 1;
     index.cells.push_back(std::move(child));
   }
-  std::vector<std::int32_t> points = std::move(index.cells[static_cast<std::size_t>(c)].points);
-  index.cells[static_cast<std::size_t>(c)].points.clear();
+  std::vector<MeshPointIndex::Entry> points = std::move(index.cells[static_cast<std::size_t>(c)].points);
+  index.cells[static_cast<std::size_t>(c)].points = {};
   index.cells[static_cast<std::size_t>(c)].first_child = first;
-  for (std::int32_t number : points) {
-    const std::int32_t q = quadrant(index.cells[static_cast<std::size_t>(c)], px(index, number), py(index, number));
-    index.cells[static_cast<std::size_t>(first + q)].points.push_back(number);
+  for (const MeshPointIndex::Entry& e : points) {
+    const std::int32_t q = quadrant(index.cells[static_cast<std::size_t>(c)], e.x, e.y);
+    index.cells[static_cast<std::size_t>(first + q)].points.push_back(e);
   }
 }
 
@@ -66,10 +61,13 @@ void start_mesh_point_index(MeshPointIndex& index, const std::vector<double>* co
 }
 
 void insert_mesh_point(MeshPointIndex& index, std::int32_t number) {
-  const double x = px(index, number);
-  const double y = py(index, number);
+  const std::vector<double>& coordinates = *index.coordinates;
+  const MeshPointIndex::Entry entry{coordinates[2 * static_cast<std::size_t>(number - 1)],
+                                    coordinates[2 * static_cast<std::size_t>(number - 1) + 1], number};
+  const double x = entry.x;
+  const double y = entry.y;
   if (!in_region(index, x, y)) {
-    index.elsewhere.push_back(number);
+    index.elsewhere.push_back(entry);
     return;
   }
   std::int32_t c = 0;
@@ -80,7 +78,7 @@ void insert_mesh_point(MeshPointIndex& index, std::int32_t number) {
       continue;
     }
     if (cell.points.size() < kLeafPoints || cell.depth >= kDeepest) {
-      cell.points.push_back(number);
+      cell.points.push_back(entry);
       return;
     }
     split(index, c);
@@ -97,6 +95,14 @@ void points_in_box(const MeshPointIndex& index, double xlo, double xhi, double y
     return false;
   });
   std::sort(out.begin(), out.end());
+}
+
+void entries_in_box(const MeshPointIndex& index, double xlo, double xhi, double ylo, double yhi,
+                    std::vector<MeshPointIndex::Entry>& out) {
+  visit_entries_in_box(index, xlo, xhi, ylo, yhi, [&](const MeshPointIndex::Entry& e) {
+    out.push_back(e);
+    return false;
+  });
 }
 
 }  // namespace tesseramill

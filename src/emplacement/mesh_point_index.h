@@ -13,21 +13,30 @@ namespace tesseramill {
 inline constexpr std::int32_t kMeshIndexDeepest = 40;
 
 // A quadtree of square cells over a fixed region.  A cell holds up to
-// kLeafPoints point numbers before it is split in four; points outside the
+// kLeafPoints points before it is split in four; points outside the
 // region, or no number at all, are kept in a list of their own that every
-// query looks at.
+// query looks at.  Each point is kept with a copy of its coordinates, so
+// that a query reads a leaf's points where they lie together instead of
+// one by one across the whole table of mesh points: the copies are the
+// table's values, as a point's coordinates never change once it is
+// inserted.
 struct MeshPointIndex {
+  struct Entry {
+    double x = 0.0;
+    double y = 0.0;
+    std::int32_t number = 0;  // 1-based
+  };
   struct Cell {
     double x0 = 0.0;       // lower left corner
     double y0 = 0.0;
     double size = 0.0;     // side
     std::int32_t first_child = -1;  // the four children follow one another
     std::int32_t depth = 0;
-    std::vector<std::int32_t> points;  // point numbers of a leaf, 1-based
+    std::vector<Entry> points;  // the points of a leaf
   };
   const std::vector<double>* coordinates = nullptr;  // x,y pairs of the mesh points
   std::vector<Cell> cells;
-  std::vector<std::int32_t> elsewhere;
+  std::vector<Entry> elsewhere;
 };
 
 // Starts an index over the square region that holds the rectangle
@@ -35,7 +44,8 @@ struct MeshPointIndex {
 void start_mesh_point_index(MeshPointIndex& index, const std::vector<double>* coordinates, double xlo, double xhi,
                             double ylo, double yhi);
 
-// Adds mesh point `number` (1-based), whose coordinates are already stored.
+// Adds mesh point `number` (1-based), whose coordinates are already stored
+// and stay as they are while the index is in use.
 void insert_mesh_point(MeshPointIndex& index, std::int32_t number);
 
 // The numbers of the points with xlo <= x <= xhi and ylo <= y <= yhi, in
@@ -43,20 +53,22 @@ void insert_mesh_point(MeshPointIndex& index, std::int32_t number);
 void points_in_box(const MeshPointIndex& index, double xlo, double xhi, double ylo, double yhi,
                    std::vector<std::int32_t>& out);
 
+// Appends to `out` the points with xlo <= x <= xhi and ylo <= y <= yhi, with
+// their coordinates, in no set order.
+void entries_in_box(const MeshPointIndex& index, double xlo, double xhi, double ylo, double yhi,
+                    std::vector<MeshPointIndex::Entry>& out);
+
 // Visits the points with xlo <= x <= xhi and ylo <= y <= yhi, in no set
 // order, making the same comparisons as a scan over every point would, and
-// stops at the first for which stop(number) is true; returns whether one
+// stops at the first for which stop(entry) is true; returns whether one
 // was.
 template <typename Stop>
-bool visit_points_in_box(const MeshPointIndex& index, double xlo, double xhi, double ylo, double yhi, Stop stop) {
-  const std::vector<double>& coordinates = *index.coordinates;
-  auto stops = [&](std::int32_t number) {
-    const double x = coordinates[2 * static_cast<std::size_t>(number - 1)];
-    const double y = coordinates[2 * static_cast<std::size_t>(number - 1) + 1];
-    return x >= xlo && x <= xhi && y >= ylo && y <= yhi && stop(number);
+bool visit_entries_in_box(const MeshPointIndex& index, double xlo, double xhi, double ylo, double yhi, Stop stop) {
+  auto stops = [&](const MeshPointIndex::Entry& e) {
+    return e.x >= xlo && e.x <= xhi && e.y >= ylo && e.y <= yhi && stop(e);
   };
-  for (std::int32_t number : index.elsewhere) {
-    if (stops(number)) return true;
+  for (const MeshPointIndex::Entry& e : index.elsewhere) {
+    if (stops(e)) return true;
   }
   if (index.cells.empty()) return false;
   std::int32_t stack[4 * kMeshIndexDeepest + 8];
@@ -73,14 +85,21 @@ bool visit_points_in_box(const MeshPointIndex& index, double xlo, double xhi, do
       continue;
     }
     if (cell.first_child < 0) {
-      for (std::int32_t number : cell.points) {
-        if (stops(number)) return true;
+      for (const MeshPointIndex::Entry& e : cell.points) {
+        if (stops(e)) return true;
       }
     } else {
       for (std::int32_t q = 0; q < 4; ++q) stack[top++] = cell.first_child + q;
     }
   }
   return false;
+}
+
+// visit_entries_in_box, handing stop() the point's number alone.
+template <typename Stop>
+bool visit_points_in_box(const MeshPointIndex& index, double xlo, double xhi, double ylo, double yhi, Stop stop) {
+  return visit_entries_in_box(index, xlo, xhi, ylo, yhi,
+                              [&](const MeshPointIndex::Entry& e) { return stop(e.number); });
 }
 
 // Whether `test(number)` holds for a point with xlo <= x <= xhi and

@@ -51,6 +51,9 @@ void populate_interior(RunState& state) {
     }
     if (added == 0) break;
   }
+  // The index of the mesh points holds a copy of every point: it goes
+  // before the passes that need the memory.
+  finish_fast_emplacement(state);
   screen << " - " << state.mesh.mesh_point_count << " points emplaced\n";
   screen << " - minimum points separation = " << format_fixed(state.reference_paths ? minimum_separation_reference(state.mesh)
                                                                : minimum_separation(state.mesh),

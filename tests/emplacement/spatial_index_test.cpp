@@ -3,7 +3,9 @@
 // all-pairs minimum, bit for bit.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <vector>
 
 #include "emplacement/mesh_point_index.h"
@@ -37,6 +39,7 @@ TEST(MeshPointIndex, ListsWhatAScanLists) {
     MeshPointIndex index;
     start_mesh_point_index(index, &points, offset + 1000, offset + 5000, offset + 1000, offset + 3000);
     std::vector<std::int32_t> listed;
+    std::vector<MeshPointIndex::Entry> entries;
     for (int n = 0; n < 4000; ++n) {
       double x;
       double y;
@@ -70,6 +73,20 @@ TEST(MeshPointIndex, ListsWhatAScanLists) {
           const double size = q % 4 == 0 ? 1e-3 : random.uniform(0, 1500);
           points_in_box(index, xlo, xlo + size, ylo, ylo + size, listed);
           ASSERT_EQ(listed, scan(points, xlo, xlo + size, ylo, ylo + size));
+          // The same points with their coordinates, appended after what
+          // the list already holds.
+          entries.assign(1, MeshPointIndex::Entry{-1.0, -1.0, -1});
+          entries_in_box(index, xlo, xlo + size, ylo, ylo + size, entries);
+          ASSERT_EQ(entries[0].number, -1);
+          std::sort(entries.begin() + 1, entries.end(),
+                    [](const MeshPointIndex::Entry& a, const MeshPointIndex::Entry& b) { return a.number < b.number; });
+          ASSERT_EQ(entries.size(), listed.size() + 1);
+          for (std::size_t e = 1; e < entries.size(); ++e) {
+            const std::size_t k = static_cast<std::size_t>(entries[e].number - 1);
+            ASSERT_EQ(entries[e].number, listed[e - 1]);
+            ASSERT_EQ(0, std::memcmp(&entries[e].x, &points[2 * k], sizeof(double)));
+            ASSERT_EQ(0, std::memcmp(&entries[e].y, &points[2 * k + 1], sizeof(double)));
+          }
         }
       }
     }
