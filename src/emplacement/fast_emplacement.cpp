@@ -10,6 +10,7 @@
 #include "emplacement/interior_emplacement.h"
 #include "geometry/local_separation.h"
 #include "geometry/planar_tools.h"
+#include "geometry/size_bounds.h"
 
 namespace tesseramill {
 
@@ -40,6 +41,29 @@ constexpr double kLargest = 1.7976931348623157e+308;
 // The squared distance inside which a listed point strikes a candidate of
 // separation s, as the literal step works it out.
 double clearance(double s) { return s * s * kPointClearanceFactor; }
+
+// The squared distance below which a listed point where the field is
+// `separation` surely strikes a candidate, from how fast the field can fall
+// away from the point (field_floor); 0 where none is known.  A candidate
+// whose squared distance d2, as the strikes round it, lies below T lies
+// within sqrt(T) (1 + kRelative) of the point: the few roundings of d2
+// together fall short of the true square by a relative 2^-50 at most, and
+// T is kept far above the numbers too small for relative errors to hold.
+// The field at the candidate is then at least the floor at that distance,
+// and the clearance rises with the field, so the clearance at the
+// candidate is at least that of the floor, which is checked to be at
+// least T, above d2: the point strikes it.  T is taken just inside the
+// distance where the clearance of the falling floor meets the square of
+// the distance, 0.9 s / (1 + 0.9 slope), as 0.9 is the root of the
+// clearance factor to within 3e-8.
+double strike_limit(double slope, double separation) {
+  if (!(separation > 0.0 && separation <= kLargestSafeA)) return 0.0;
+  const double reach = 0.9 * separation / (1.0 + 0.9 * slope) * (1.0 - 1e-6);
+  const double limit = reach * reach;
+  if (!(limit >= 1e-290)) return 0.0;
+  const double floor = field_floor(slope, separation, std::sqrt(limit) * (1.0 + kRelative));
+  return clearance(floor) >= limit ? limit : 0.0;
+}
 
 struct Grid {
   const std::vector<double>& grid_x;
@@ -291,8 +315,6 @@ bool any_open_in_run(const std::uint8_t* p, std::size_t n) {
 // too wide fails at a corner and strikes nothing here, leaving its
 // candidates to the tests one by one.
 void strike_squares(ProposalScratch& f, const Grid& g, double h, double x0, double y0, double limit_lo) {
-  if (!(limit_lo > 0.0)) return;
-  const double half_side = std::sqrt(limit_lo) * 0.7071;
   const double per_h = 1.0 / h;
   // The first column or row at or after t candidates from the seed, and the
   // last at or before, within the grid or just past it when t is; a value
@@ -314,6 +336,11 @@ void strike_squares(ProposalScratch& f, const Grid& g, double h, double x0, doub
   for (std::size_t p = 0; p < f.near_x.size(); ++p) {
     const double px = f.near_x[p];
     const double py = f.near_y[p];
+    // A candidate closer than either limit is struck: by the rectangle's
+    // lower bound, or by the point's own (strike_limit).
+    const double limit = std::max(limit_lo, f.near_strike[p]);
+    if (!(limit > 0.0)) continue;
+    const double half_side = std::sqrt(limit) * 0.7071;
     const std::int32_t klo = first_index((px - half_side - x0) * per_h);
     const std::int32_t khi = last_index((px + half_side - x0) * per_h);
     const std::int32_t jlo = first_index((py - half_side - y0) * per_h);
@@ -324,7 +351,7 @@ void strike_squares(ProposalScratch& f, const Grid& g, double h, double x0, doub
       for (std::int32_t j : {jlo, jhi}) {
         const double dx = g.x(k) - px;
         const double dy = g.y(j) - py;
-        if (!(limit_lo > dx * dx + dy * dy)) inside = false;
+        if (!(limit > dx * dx + dy * dy)) inside = false;
       }
     }
     if (!inside) continue;
@@ -356,12 +383,14 @@ void strike_near_points(const RunState& state, ProposalScratch& f, const Grid& g
     // would be mispredicted half the time.
     f.row_x.resize(f.near_x.size());
     f.row_dy2.resize(f.near_x.size());
+    f.row_strike.resize(f.near_x.size());
     std::size_t row_size = 0;
     for (std::size_t p = 0; p < f.near_x.size(); ++p) {
       const double dy = y - f.near_y[p];
       const double dy2 = dy * dy;
       f.row_x[row_size] = f.near_x[p];
       f.row_dy2[row_size] = dy2;
+      f.row_strike[row_size] = f.near_strike[p];
       row_size += limit_hi > dy2 ? 1 : 0;
     }
     std::size_t first = 0;
@@ -374,7 +403,10 @@ void strike_near_points(const RunState& state, ProposalScratch& f, const Grid& g
       for (std::size_t q = first; q < row_size && f.row_x[q] <= x + window; ++q) {
         const double dx = x - f.row_x[q];
         const double d2 = dx * dx + f.row_dy2[q];
-        if (limit_lo > d2) {
+        // A point's own limit strikes only candidates that the rectangle's
+        // upper bound lets it reach, so the points left out of the row
+        // above strike none by it either.
+        if (limit_lo > d2 || f.row_strike[q] > d2) {
           struck = true;
           break;
         }
@@ -536,7 +568,13 @@ void start_fast_emplacement(RunState& state) {
   f.ylo = ylo;
   f.yhi = yhi;
   start_mesh_point_index(f.mesh_index, &state.mesh.mesh_points, xlo, xhi, ylo, yhi);
-  for (std::int32_t p = 1; p <= state.mesh.mesh_point_count; ++p) insert_mesh_point(f.mesh_index, p);
+  f.mesh_index.separations = &f.separations;
+  const double growth = state.control.poly_growth_rate;
+  for (std::int32_t p = 1; p <= state.mesh.mesh_point_count; ++p) {
+    f.separations.push_back(local_separation(state, points[2 * static_cast<std::size_t>(p - 1)],
+                                             points[2 * static_cast<std::size_t>(p - 1) + 1], growth));
+    insert_mesh_point(f.mesh_index, p);
+  }
 
   std::vector<const double*> rings = {state.outer_boundary.vertices.data()};
   std::vector<std::int32_t> counts = {state.outer_boundary.vertex_count};
@@ -558,6 +596,20 @@ void start_fast_emplacement(RunState& state) {
   f.ready = true;
 }
 
+void index_run_point(RunState& state, std::int32_t number, double separation) {
+  FastEmplacement& f = state.fast_emplacement;
+  if (std::isnan(separation)) {
+    const std::vector<double>& points = state.mesh.mesh_points;
+    separation = local_separation(state, points[2 * static_cast<std::size_t>(number - 1)],
+                                  points[2 * static_cast<std::size_t>(number - 1) + 1],
+                                  state.control.poly_growth_rate);
+  }
+  // The table holds the points in order; a point indexed out of turn has
+  // no separation kept, and the proposals work it out again.
+  if (f.separations.size() + 1 == static_cast<std::size_t>(number)) f.separations.push_back(separation);
+  insert_mesh_point(f.mesh_index, number);
+}
+
 void finish_fast_emplacement(RunState& state) {
   FastEmplacement& f = state.fast_emplacement;
   const std::int64_t shared_seeds = f.shared_seeds;
@@ -572,6 +624,7 @@ PointView run_points(const RunState& state) {
   view.index = &state.fast_emplacement.mesh_index;
   view.coordinates = &state.mesh.mesh_points;
   view.count = state.mesh.mesh_point_count;
+  view.separations = &state.fast_emplacement.separations;
   return view;
 }
 
@@ -598,7 +651,12 @@ void propose_fast(const RunState& state, ProposalScratch& f, const PointView& vi
   const Grid g{f.grid_x, f.grid_y, nsdim, half};
   const double x0 = view.x(seed);
   const double y0 = view.y(seed);
-  const double sep = local_separation(state, x0, y0, growth);
+  // The field at the seed, kept when the seed was indexed (the same
+  // function of the same point) or worked out here.
+  const bool kept = view.separations != nullptr && seed >= 1 &&
+                    static_cast<std::size_t>(seed) <= view.separations->size();
+  const double sep = kept ? (*view.separations)[static_cast<std::size_t>(seed - 1)]
+                          : local_separation(state, x0, y0, growth);
   double box = sep;
   int domain = kMixed;
   double h = 0.0;
@@ -655,10 +713,15 @@ void propose_fast(const RunState& state, ProposalScratch& f, const PointView& vi
   f.near_number.clear();
   f.near_x.clear();
   f.near_y.clear();
+  f.near_strike.clear();
+  double slope = 0.0;
+  // Every listed point and every candidate lies in the widest box searched.
+  const bool sloped = field_slope(state, out.xlo, out.xhi, out.ylo, out.yhi, slope);
   for (const MeshPointIndex::Entry& e : f.near) {
     f.near_number.push_back(e.number);
     f.near_x.push_back(e.x);
     f.near_y.push_back(e.y);
+    f.near_strike.push_back(sloped ? strike_limit(slope, e.separation) : 0.0);
   }
 
   strike_near_points(state, f, g, h, x0, y0);

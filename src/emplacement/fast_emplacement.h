@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "emplacement/mesh_point_index.h"
@@ -27,6 +28,10 @@ struct alignas(64) ProposalScratch {
   std::vector<std::uint8_t> tile_kept;
   // The near list's points as the indexes give them, then sorted by x.
   std::vector<MeshPointIndex::Entry> near;
+  // For each point of the near list as sorted, the squared distance below
+  // which it surely strikes a candidate (0 where none is known).
+  std::vector<double> near_strike;
+  std::vector<double> row_strike;
   std::vector<std::int32_t> near_number;
   std::vector<double> near_x;
   std::vector<double> near_y;
@@ -45,8 +50,12 @@ struct alignas(64) ProposalScratch {
 
 struct FastEmplacement {
   bool ready = false;
-  // Every mesh point of the run by place, over the region below.
+  // Every mesh point of the run by place, over the region below, with the
+  // field at each point (local_separation there), kept when the point is
+  // indexed: every point is a seed in its turn, and the field is then
+  // taken from here.
   MeshPointIndex mesh_index;
+  std::vector<double> separations;
   double xlo = 0.0;
   double xhi = 0.0;
   double ylo = 0.0;
@@ -72,6 +81,8 @@ struct PointView {
   std::int32_t count = 0;
   const MeshPointIndex* own = nullptr;
   const std::vector<double>* own_coordinates = nullptr;
+  // The field at points 1 to separations->size(), where kept.
+  const std::vector<double>* separations = nullptr;
 
   double x(std::int32_t p) const {
     return p <= count ? (*coordinates)[2 * static_cast<std::size_t>(p - 1)]
@@ -95,6 +106,8 @@ struct Proposal {
   // none outside it played any part.  Without it, the outcome depends on no
   // mesh point at all but the seed.
   bool searched = false;
+  // The field at the chosen candidate, when it was worked out; NaN when not.
+  double separation = std::numeric_limits<double>::quiet_NaN();
   double xlo = 0.0;
   double xhi = 0.0;
   double ylo = 0.0;
@@ -104,6 +117,11 @@ struct Proposal {
 // Builds the indexes the fast proposal needs from the mesh points placed so
 // far and the boundaries.
 void start_fast_emplacement(RunState& state);
+
+// Adds the run's mesh point `number`, the last appended, to the index of
+// mesh points, with the field there: `separation` when it is given (NaN
+// for none) and local_separation at the point otherwise.
+void index_run_point(RunState& state, std::int32_t number, double separation);
 
 // Frees the indexes and tables of the fast proposal once the interior is
 // filled; the counts of shared and proposed-again seeds stay.

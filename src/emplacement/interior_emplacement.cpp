@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "common/failure.h"
 #include "emplacement/chains.h"
@@ -216,7 +217,7 @@ bool propose_from_seed(RunState& state, std::int32_t seed, std::int32_t cycle) {
                                                           : choose_from_seed_reference(state, seed, x, y);
   if (!chosen) return false;
   const std::int32_t number = append_mesh_point(state, x, y, cycle);
-  if (fast.ready) insert_mesh_point(fast.mesh_index, number);
+  if (fast.ready) index_run_point(state, number, std::numeric_limits<double>::quiet_NaN());
   return true;
 }
 

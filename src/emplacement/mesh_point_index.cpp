@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace tesseramill {
 
@@ -49,6 +50,7 @@ void split(MeshPointIndex& index, std::int32_t c) {
 void start_mesh_point_index(MeshPointIndex& index, const std::vector<double>* coordinates, double xlo, double xhi,
                             double ylo, double yhi) {
   index.coordinates = coordinates;
+  index.separations = nullptr;
   index.cells.clear();
   index.elsewhere.clear();
   MeshPointIndex::Cell root;
@@ -62,8 +64,11 @@ void start_mesh_point_index(MeshPointIndex& index, const std::vector<double>* co
 
 void insert_mesh_point(MeshPointIndex& index, std::int32_t number) {
   const std::vector<double>& coordinates = *index.coordinates;
-  const MeshPointIndex::Entry entry{coordinates[2 * static_cast<std::size_t>(number - 1)],
-                                    coordinates[2 * static_cast<std::size_t>(number - 1) + 1], number};
+  const std::size_t at = static_cast<std::size_t>(number - 1);
+  const bool known = index.separations != nullptr && at < index.separations->size();
+  const MeshPointIndex::Entry entry{coordinates[2 * at], coordinates[2 * at + 1],
+                                    known ? (*index.separations)[at] : std::numeric_limits<double>::quiet_NaN(),
+                                    number};
   const double x = entry.x;
   const double y = entry.y;
   if (!in_region(index, x, y)) {

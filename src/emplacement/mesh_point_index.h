@@ -24,6 +24,8 @@ struct MeshPointIndex {
   struct Entry {
     double x = 0.0;
     double y = 0.0;
+    // The field at the point, from `separations`; NaN where not known.
+    double separation = 0.0;
     std::int32_t number = 0;  // 1-based
   };
   struct Cell {
@@ -35,6 +37,8 @@ struct MeshPointIndex {
     std::vector<Entry> points;  // the points of a leaf
   };
   const std::vector<double>* coordinates = nullptr;  // x,y pairs of the mesh points
+  // The field at the mesh points, where kept; a point past its end has none.
+  const std::vector<double>* separations = nullptr;
   std::vector<Cell> cells;
   std::vector<Entry> elsewhere;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
+#include <limits>
 #include <vector>
 
 #include "common/parallel.h"
@@ -10,6 +11,7 @@
 #include "emplacement/chains.h"
 #include "emplacement/fast_emplacement.h"
 #include "emplacement/interior_emplacement.h"
+#include "geometry/local_separation.h"
 
 namespace tesseramill {
 
@@ -19,7 +21,8 @@ namespace tesseramill {
 // but for the mesh points, and of the mesh points only those that its
 // growing search boxes list, in ascending order, with their coordinates.
 // Their numbers matter only to tell the seed, which is a point from before
-// the cycle in both runs.  So two proposals of the same seed that list the
+// the cycle in both runs; the field kept with each point is a function of
+// its coordinates alone.  So two proposals of the same seed that list the
 // same coordinates in the same order, box for box, choose the same.
 //
 // While proposing, part p of the seeds sees the points from before the
@@ -56,6 +59,7 @@ constexpr std::size_t kSlabs = 8;
 struct alignas(64) Part {
   // The points this part placed while proposing, numbered from 1.
   std::vector<double> own_coordinates;
+  std::vector<double> own_separations;  // the field at each of them
   MeshPointIndex own;
   // Points this part placed that the commit did not.
   std::vector<double> strays;
@@ -78,6 +82,8 @@ void propose_part(const RunState& state, std::int32_t first, const std::vector<s
     if (!proposal.chosen || proposal.literal) continue;
     own.own_coordinates.push_back(proposal.x);
     own.own_coordinates.push_back(proposal.y);
+    proposal.separation = local_separation(state, proposal.x, proposal.y, state.control.poly_growth_rate);
+    own.own_separations.push_back(proposal.separation);
     insert_mesh_point(own.own, ++placed);
   }
 }
@@ -133,6 +139,7 @@ std::int32_t propose_in_parts(RunState& state, std::int32_t first, std::int32_t 
   std::vector<Part> parts(kSlabs);
   for (Part& part : parts) {
     start_mesh_point_index(part.own, &part.own_coordinates, f.xlo, f.xhi, f.ylo, f.yhi);
+    part.own.separations = &part.own_separations;
     start_mesh_point_index(part.stray_index, &part.strays, f.xlo, f.xhi, f.ylo, f.yhi);
   }
   // Two threads, each with its own scratch tables, take the slabs in turn.
@@ -185,7 +192,9 @@ std::int32_t propose_in_parts(RunState& state, std::int32_t first, std::int32_t 
     }
     if (!chosen) continue;
     const std::int32_t number = append_mesh_point(state, x, y, cycle);
-    insert_mesh_point(f.mesh_index, number);
+    // The field at a point the part placed as it stands is the part's, the
+    // same function of the same point.
+    index_run_point(state, number, as_part_placed ? proposal.separation : std::numeric_limits<double>::quiet_NaN());
     committed.push_back(x);
     committed.push_back(y);
     seen_by.push_back(as_part_placed ? part : kSeenByNone);

@@ -3,7 +3,10 @@
 // its logarithms and powers.
 #pragma once
 
+#include <algorithm>
 #include <vector>
+
+#include "geometry/size_bounds.h"
 
 namespace tesseramill {
 
@@ -32,6 +35,27 @@ struct FieldBounds {
   // Each kept source's lower bound over the whole rectangle.
   std::vector<double> lowers;
 };
+
+// How fast the field can fall away from a point where its value is known.
+// In exact arithmetic every source's size, max(s, (s + d (growth - 1)) /
+// growth^1.5) (see size_bounds.h), changes by at most slope = (growth - 1) /
+// growth^1.5 per unit of distance, and so does the smallest of them and of
+// one cap; the caps of inner polygons would break that at their edges, so
+// the slope holds over [xlo, xhi] x [ylo, yhi] only when each inner
+// polygon holds the whole rectangle or none of it.  The run's field lies
+// within a relative 5e-13 of the exact field while it stays below
+// kLargestSafeA (size_bounds.h), and the slope as worked out here within
+// an ulp or two of its true value; field_floor widens by kRelative at each
+// step, far beyond these, and by kAbsolute.  False where there is no
+// slope over the rectangle.
+bool field_slope(const RunState& state, double xlo, double xhi, double ylo, double yhi, double& slope);
+
+// A lower bound of the field at every point within distance r of a point
+// where the field is `value` (at most kLargestSafeA), given the slope.
+inline double field_floor(double slope, double value, double r) {
+  const double spread = slope * r * (1.0 + kRelative);
+  return std::max(0.0, (value * (1.0 - kRelative) - spread) * (1.0 - kRelative) - kAbsolute);
+}
 
 // Bounds the field over [xlo, xhi] x [ylo, yhi] with the run's growth rate.
 void bound_field(const RunState& state, double xlo, double xhi, double ylo, double yhi, FieldBounds& bounds);

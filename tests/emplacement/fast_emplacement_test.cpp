@@ -2,6 +2,7 @@
 // literal steps on the same run state, chooses the same candidate.
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <sstream>
 
 #include "emplacement/chains.h"
@@ -58,7 +59,7 @@ void expect_same_proposals(const fs::path& folder, const std::string& control, i
       }
       if (!fast) continue;
       const std::int32_t number = append_mesh_point(state, xf, yf, cycle);
-      insert_mesh_point(state.fast_emplacement.mesh_index, number);
+      index_run_point(state, number, std::numeric_limits<double>::quiet_NaN());
       ++added;
     }
     if (added == 0) break;

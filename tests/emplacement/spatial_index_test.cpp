@@ -75,7 +75,7 @@ TEST(MeshPointIndex, ListsWhatAScanLists) {
           ASSERT_EQ(listed, scan(points, xlo, xlo + size, ylo, ylo + size));
           // The same points with their coordinates, appended after what
           // the list already holds.
-          entries.assign(1, MeshPointIndex::Entry{-1.0, -1.0, -1});
+          entries.assign(1, MeshPointIndex::Entry{-1.0, -1.0, -1.0, -1});
           entries_in_box(index, xlo, xlo + size, ylo, ylo + size, entries);
           ASSERT_EQ(entries[0].number, -1);
           std::sort(entries.begin() + 1, entries.end(),

@@ -217,6 +217,94 @@ TEST(FieldBounds, TilesGiveTheRectanglesBitsAlongADigitisedDivideAndARiver) {
   EXPECT_GT(expect_tiles_hold(state, 32, 600), 1000u);
 }
 
+// The floor that the field's slope gives holds the reference field at
+// distance r, along the lines from a point towards a source, where the
+// field falls exactly at its slope, and between random points; returns how
+// many pairs it was asked for.
+int expect_floor_holds(const RunState& state, std::uint64_t seed, int pairs) {
+  Random random(seed);
+  double xmin, xmax, ymin, ymax;
+  outer_extent(state, xmin, xmax, ymin, ymax);
+  const double growth = state.control.poly_growth_rate;
+  const double largest = state.control.max_centroid_separation;
+  std::vector<const BoundaryRing*> chains = {&state.outer_boundary};
+  for (const BoundaryRing& line : state.inner_lines) chains.push_back(&line);
+  int asked = 0;
+  int tight = 0;
+  for (int n = 0; n < pairs; ++n) {
+    double qx = random.uniform(xmin, xmax);
+    double qy = random.uniform(ymin, ymax);
+    double cx = qx + largest * random.uniform(-3, 3) * (n % 5 == 0 ? 1e-4 : 1.0);
+    double cy = qy + largest * random.uniform(-3, 3) * (n % 5 == 0 ? 1e-4 : 1.0);
+    if (n % 2 == 0) {
+      // From a point in the graded field straight towards a chain point.
+      const BoundaryRing& chain = *chains[static_cast<std::size_t>(n / 2) % chains.size()];
+      const std::size_t k = static_cast<std::size_t>(random.uniform(0, chain.point_count - 1));
+      const double sx = chain.points[2 * k];
+      const double sy = chain.points[2 * k + 1];
+      const double angle = random.uniform(0, 6.283185307179586);
+      const double reach = largest * random.uniform(0, 3);
+      qx = sx + reach * std::cos(angle);
+      qy = sy + reach * std::sin(angle);
+      const double along = random.uniform(0, 1);
+      cx = qx + (sx - qx) * along;
+      cy = qy + (sy - qy) * along;
+    }
+    double slope = 0.0;
+    if (!field_slope(state, std::min(qx, cx), std::max(qx, cx), std::min(qy, cy), std::max(qy, cy), slope)) continue;
+    ++asked;
+    const double at_q = local_separation_reference(state, qx, qy, growth);
+    const double at_c = local_separation_reference(state, cx, cy, growth);
+    const double dx = cx - qx;
+    const double dy = cy - qy;
+    const double r = std::sqrt(dx * dx + dy * dy) * (1.0 + kRelative);
+    const double floor = field_floor(slope, at_q, r);
+    EXPECT_LE(floor, at_c) << qx << " " << qy << " to " << cx << " " << cy;
+    if (floor > at_c * (1.0 - 1e-3)) ++tight;
+  }
+  // Along the lines towards the sources the floor comes within a
+  // thousandth of the field.
+  EXPECT_GT(tight, pairs / 50) << tight;
+  return asked;
+}
+
+TEST(FieldBounds, TheFieldFallsNoFasterThanItsSlope) {
+  for (double growth : {1.25, 1.05, 2.0}) {
+    tesseramill_test::ScratchDir dir;
+    ModelRecipe recipe = tesseramill_bench::gis_model(400);
+    recipe.growth = growth;
+    RunState state;
+    state_after_boundaries(state, recipe, dir);
+    EXPECT_EQ(expect_floor_holds(state, 51 + static_cast<std::uint64_t>(growth * 100), 4000), 4000);
+  }
+}
+
+// A zone's cap breaks the slope at its edge: rectangles across the zone
+// have none, and the floor holds on the others.
+TEST(FieldBounds, TheSlopeHoldsOnlyWhereNoZoneEdgeComesNear) {
+  tesseramill_test::ScratchDir dir;
+  ModelRecipe recipe = tesseramill_bench::family_model(1e4);
+  RunState state;
+  state_after_boundaries(state, recipe, dir);
+  ASSERT_FALSE(state.inner_polygons.empty());
+  const BoundaryRing& zone = state.inner_polygons[0];
+  double zx0 = zone.vertices[0];
+  double zx1 = zx0;
+  double zy0 = zone.vertices[1];
+  double zy1 = zy0;
+  for (std::size_t k = 0; k + 1 < zone.vertices.size(); k += 2) {
+    zx0 = std::min(zx0, zone.vertices[k]);
+    zx1 = std::max(zx1, zone.vertices[k]);
+    zy0 = std::min(zy0, zone.vertices[k + 1]);
+    zy1 = std::max(zy1, zone.vertices[k + 1]);
+  }
+  double slope = 0.0;
+  EXPECT_FALSE(field_slope(state, zx0 - 1, zx1 + 1, zy0 - 1, zy1 + 1, slope));
+  const int asked = expect_floor_holds(state, 61, 4000);
+  EXPECT_GT(asked, 1000);
+  EXPECT_LT(asked, 4000);
+}
+
 // A run state whose only sources are inner points, in a square of side
 // 2000 round the origin; cap 1000.
 void state_with_sources(RunState& state, const std::vector<double>& coords, const std::vector<double>& separations) {
