@@ -569,11 +569,8 @@ void start_fast_emplacement(RunState& state) {
   f.yhi = yhi;
   start_mesh_point_index(f.mesh_index, &state.mesh.mesh_points, xlo, xhi, ylo, yhi);
   f.mesh_index.separations = &f.separations;
-  const double growth = state.control.poly_growth_rate;
   for (std::int32_t p = 1; p <= state.mesh.mesh_point_count; ++p) {
-    f.separations.push_back(local_separation(state, points[2 * static_cast<std::size_t>(p - 1)],
-                                             points[2 * static_cast<std::size_t>(p - 1) + 1], growth));
-    insert_mesh_point(f.mesh_index, p);
+    index_run_point(state, p, std::numeric_limits<double>::quiet_NaN());
   }
 
   std::vector<const double*> rings = {state.outer_boundary.vertices.data()};
