@@ -567,8 +567,9 @@ void start_fast_emplacement(RunState& state) {
   f.xhi = xhi;
   f.ylo = ylo;
   f.yhi = yhi;
+  f.has_slope = growth_slope(state, f.slope);
   start_mesh_point_index(f.mesh_index, &state.mesh.mesh_points, xlo, xhi, ylo, yhi);
-  f.mesh_index.separations = &f.separations;
+  f.mesh_index.strikes = &f.strikes;
   for (std::int32_t p = 1; p <= state.mesh.mesh_point_count; ++p) {
     index_run_point(state, p, std::numeric_limits<double>::quiet_NaN());
   }
@@ -601,10 +602,18 @@ void index_run_point(RunState& state, std::int32_t number, double separation) {
                                   points[2 * static_cast<std::size_t>(number - 1) + 1],
                                   state.control.poly_growth_rate);
   }
-  // The table holds the points in order; a point indexed out of turn has
-  // no separation kept, and the proposals work it out again.
-  if (f.separations.size() + 1 == static_cast<std::size_t>(number)) f.separations.push_back(separation);
+  // The tables hold the points in order; a point indexed out of turn has
+  // no separation kept, and the proposals work it out again, nor a strike
+  // limit.
+  if (f.separations.size() + 1 == static_cast<std::size_t>(number)) {
+    f.separations.push_back(separation);
+    f.strikes.push_back(point_strike(f, separation));
+  }
   insert_mesh_point(f.mesh_index, number);
+}
+
+double point_strike(const FastEmplacement& f, double separation) {
+  return f.has_slope ? strike_limit(f.slope, separation) : 0.0;
 }
 
 void finish_fast_emplacement(RunState& state) {
@@ -711,14 +720,15 @@ void propose_fast(const RunState& state, ProposalScratch& f, const PointView& vi
   f.near_x.clear();
   f.near_y.clear();
   f.near_strike.clear();
-  double slope = 0.0;
-  // Every listed point and every candidate lies in the widest box searched.
-  const bool sloped = field_slope(state, out.xlo, out.xhi, out.ylo, out.yhi, slope);
+  // Every listed point and every candidate lies in the widest box searched;
+  // each point's strike limit was worked out with the run's slope when it
+  // was indexed.
+  const bool sloped = slope_holds_over(state, out.xlo, out.xhi, out.ylo, out.yhi);
   for (const MeshPointIndex::Entry& e : f.near) {
     f.near_number.push_back(e.number);
     f.near_x.push_back(e.x);
     f.near_y.push_back(e.y);
-    f.near_strike.push_back(sloped ? strike_limit(slope, e.separation) : 0.0);
+    f.near_strike.push_back(sloped ? e.strike : 0.0);
   }
 
   strike_near_points(state, f, g, h, x0, y0);

@@ -53,9 +53,15 @@ struct FastEmplacement {
   // Every mesh point of the run by place, over the region below, with the
   // field at each point (local_separation there), kept when the point is
   // indexed: every point is a seed in its turn, and the field is then
-  // taken from here.
+  // taken from here; and with its strike limit (point_strike), which the
+  // index hands out with the point.
   MeshPointIndex mesh_index;
   std::vector<double> separations;
+  std::vector<double> strikes;
+  // The slope of the field at the run's growth rate (growth_slope), when
+  // it has one.
+  bool has_slope = false;
+  double slope = 0.0;
   double xlo = 0.0;
   double xhi = 0.0;
   double ylo = 0.0;
@@ -122,6 +128,11 @@ void start_fast_emplacement(RunState& state);
 // mesh points, with the field there: `separation` when it is given (NaN
 // for none) and local_separation at the point otherwise.
 void index_run_point(RunState& state, std::int32_t number, double separation);
+
+// The squared distance below which a point where the field is `separation`
+// surely strikes a candidate, wherever the run's slope holds over both; 0
+// where none is known.
+double point_strike(const FastEmplacement& f, double separation);
 
 // Frees the indexes and tables of the fast proposal once the interior is
 // filled; the counts of shared and proposed-again seeds stay.

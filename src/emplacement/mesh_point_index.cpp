@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace tesseramill {
 
@@ -50,7 +49,7 @@ void split(MeshPointIndex& index, std::int32_t c) {
 void start_mesh_point_index(MeshPointIndex& index, const std::vector<double>* coordinates, double xlo, double xhi,
                             double ylo, double yhi) {
   index.coordinates = coordinates;
-  index.separations = nullptr;
+  index.strikes = nullptr;
   index.cells.clear();
   index.elsewhere.clear();
   MeshPointIndex::Cell root;
@@ -65,9 +64,8 @@ void start_mesh_point_index(MeshPointIndex& index, const std::vector<double>* co
 void insert_mesh_point(MeshPointIndex& index, std::int32_t number) {
   const std::vector<double>& coordinates = *index.coordinates;
   const std::size_t at = static_cast<std::size_t>(number - 1);
-  const bool known = index.separations != nullptr && at < index.separations->size();
-  const MeshPointIndex::Entry entry{coordinates[2 * at], coordinates[2 * at + 1],
-                                    known ? (*index.separations)[at] : std::numeric_limits<double>::quiet_NaN(),
+  const bool known = index.strikes != nullptr && at < index.strikes->size();
+  const MeshPointIndex::Entry entry{coordinates[2 * at], coordinates[2 * at + 1], known ? (*index.strikes)[at] : 0.0,
                                     number};
   const double x = entry.x;
   const double y = entry.y;

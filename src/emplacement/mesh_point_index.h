@@ -24,8 +24,10 @@ struct MeshPointIndex {
   struct Entry {
     double x = 0.0;
     double y = 0.0;
-    // The field at the point, from `separations`; NaN where not known.
-    double separation = 0.0;
+    // The squared distance below which the point surely strikes a
+    // candidate where the field's slope holds, from `strikes`; 0 where not
+    // known.
+    double strike = 0.0;
     std::int32_t number = 0;  // 1-based
   };
   struct Cell {
@@ -37,8 +39,9 @@ struct MeshPointIndex {
     std::vector<Entry> points;  // the points of a leaf
   };
   const std::vector<double>* coordinates = nullptr;  // x,y pairs of the mesh points
-  // The field at the mesh points, where kept; a point past its end has none.
-  const std::vector<double>* separations = nullptr;
+  // The strike limits of the mesh points, where kept; a point past its end
+  // has none.
+  const std::vector<double>* strikes = nullptr;
   std::vector<Cell> cells;
   std::vector<Entry> elsewhere;
 };

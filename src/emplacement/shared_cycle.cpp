@@ -59,7 +59,7 @@ constexpr std::size_t kSlabs = 8;
 struct alignas(64) Part {
   // The points this part placed while proposing, numbered from 1.
   std::vector<double> own_coordinates;
-  std::vector<double> own_separations;  // the field at each of them
+  std::vector<double> own_strikes;  // the strike limit of each of them
   MeshPointIndex own;
   // Points this part placed that the commit did not.
   std::vector<double> strays;
@@ -83,7 +83,7 @@ void propose_part(const RunState& state, std::int32_t first, const std::vector<s
     own.own_coordinates.push_back(proposal.x);
     own.own_coordinates.push_back(proposal.y);
     proposal.separation = local_separation(state, proposal.x, proposal.y, state.control.poly_growth_rate);
-    own.own_separations.push_back(proposal.separation);
+    own.own_strikes.push_back(point_strike(state.fast_emplacement, proposal.separation));
     insert_mesh_point(own.own, ++placed);
   }
 }
@@ -139,7 +139,7 @@ std::int32_t propose_in_parts(RunState& state, std::int32_t first, std::int32_t 
   std::vector<Part> parts(kSlabs);
   for (Part& part : parts) {
     start_mesh_point_index(part.own, &part.own_coordinates, f.xlo, f.xhi, f.ylo, f.yhi);
-    part.own.separations = &part.own_separations;
+    part.own.strikes = &part.own_strikes;
     start_mesh_point_index(part.stray_index, &part.strays, f.xlo, f.xhi, f.ylo, f.yhi);
   }
   // Two threads, each with its own scratch tables, take the slabs in turn.

@@ -148,18 +148,25 @@ void bound_field(const RunState& state, double xlo, double xhi, double ylo, doub
   b.usable = true;
 }
 
-bool field_slope(const RunState& state, double xlo, double xhi, double ylo, double yhi, double& slope) {
+bool growth_slope(const RunState& state, double& slope) {
   Growth g;
   if (!growth_for(state.control.poly_growth_rate, g)) return false;
-  if (!state.inner_polygons.empty()) {
-    const DomainIndex& domain = state.domain_index;
-    if (!domain.built || domain.polygons.size() != state.inner_polygons.size()) return false;
-    for (const RingIndex& polygon : domain.polygons) {
-      if (locate_rectangle_in_ring(polygon, xlo, xhi, ylo, yhi) == kMixed) return false;
-    }
-  }
   slope = g.less_one * g.inverse_rise * (1.0 + kRelative);
   return std::isfinite(slope);
+}
+
+bool slope_holds_over(const RunState& state, double xlo, double xhi, double ylo, double yhi) {
+  if (state.inner_polygons.empty()) return true;
+  const DomainIndex& domain = state.domain_index;
+  if (!domain.built || domain.polygons.size() != state.inner_polygons.size()) return false;
+  for (const RingIndex& polygon : domain.polygons) {
+    if (locate_rectangle_in_ring(polygon, xlo, xhi, ylo, yhi) == kMixed) return false;
+  }
+  return true;
+}
+
+bool field_slope(const RunState& state, double xlo, double xhi, double ylo, double yhi, double& slope) {
+  return slope_holds_over(state, xlo, xhi, ylo, yhi) && growth_slope(state, slope);
 }
 
 namespace {

@@ -50,6 +50,12 @@ struct FieldBounds {
 // slope over the rectangle.
 bool field_slope(const RunState& state, double xlo, double xhi, double ylo, double yhi, double& slope);
 
+// The two halves of field_slope: the slope of the run's growth rate, the
+// same for every rectangle (false when the growth rate has none), and
+// whether it holds over the rectangle (no inner polygon's edge comes in).
+bool growth_slope(const RunState& state, double& slope);
+bool slope_holds_over(const RunState& state, double xlo, double xhi, double ylo, double yhi);
+
 // A lower bound of the field at every point within distance r of a point
 // where the field is `value` (at most kLargestSafeA), given the slope.
 inline double field_floor(double slope, double value, double r) {
