@@ -1,6 +1,7 @@
 #include "output/number_format.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -103,6 +104,25 @@ using Wide = unsigned __int128;
 bool scaled_to_integer(Binary b, std::uint64_t scale, std::uint64_t& q) {
   // m < 2^53 and scale < 2^64 keep the product below 2^117.
   const Wide product = static_cast<Wide>(b.m) * scale;
+  if (b.e < 0 && b.e > -64) {
+    // The usual case of the files' coordinates and areas, a shift of less
+    // than a word: the same exact steps on the product's two 64-bit halves,
+    // which spares the shifts and comparisons of 128-bit values.
+    const int k = -b.e;
+    const std::uint64_t high = static_cast<std::uint64_t>(product >> 64);
+    const std::uint64_t low = static_cast<std::uint64_t>(product);
+    if ((high >> k) != 0) return false;  // the whole part alone passes 2^64
+    const std::uint64_t whole = (high << (64 - k)) | (low >> k);
+    const std::uint64_t remainder = low & ((std::uint64_t{1} << k) - 1);
+    const std::uint64_t half = std::uint64_t{1} << (k - 1);
+    if (remainder > half || (remainder == half && (whole & 1) != 0)) {
+      if (whole == ~std::uint64_t{0}) return false;
+      q = whole + 1;
+    } else {
+      q = whole;
+    }
+    return true;
+  }
   if (b.e >= 0) {
     if (b.e >= 64 || (product >> (64 - b.e)) != 0) return false;
     q = static_cast<std::uint64_t>(product << b.e);
@@ -184,11 +204,14 @@ char* put_whole_digits(char* end, std::uint64_t q) {
   return q >= 10 ? put_two_digits(p, q) : put_one_digit(p, q);
 }
 
-// The number of decimal digits of q, 1 for 0.
+// The number of decimal digits of q, 1 for 0.  A number of b bits has
+// floor(b log10 2) digits or one more; 1233 / 4096 lies just under log10 2,
+// close enough that the product gives that floor for every b up to 64, and
+// one comparison with a power of ten settles the rest.
 int digit_count(std::uint64_t q) {
-  int count = 1;
-  while (count < 20 && q >= kPowersOfTen[count]) ++count;
-  return count;
+  const std::uint64_t v = q | 1;  // the same count, and 1 for 0
+  const int below = (static_cast<int>(std::bit_width(v)) * 1233) >> 12;
+  return below + (v >= kPowersOfTen[below] ? 1 : 0);
 }
 
 // The first `significant` digits of magnitude as the integer q, and the
@@ -201,7 +224,9 @@ int digit_count(std::uint64_t q) {
 // rounded once, ties to even, as the standard library rounds it.
 bool significant_integer(double magnitude, int significant, std::uint64_t& q, int& exponent) {
   if (!(magnitude >= 1.0) || !(magnitude < 1e19) || significant < 1 || significant > 18) return false;
-  exponent = 0;
+  // The count starts from below the decimal exponent, floor(b log10 2) for
+  // a value of at least 2^b, and steps up as far as the powers of ten allow.
+  exponent = ((binary_of(magnitude).e + 52) * 1233) >> 12;
   while (exponent < 19 && static_cast<double>(kPowersOfTen[exponent + 1]) <= magnitude) ++exponent;
   const int shift = significant - 1 - exponent;
   if (shift < 0) return false;

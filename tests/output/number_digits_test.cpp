@@ -158,6 +158,16 @@ TEST(NumberDigits, CarriesAndTheEdgesOfTheIntegerPath) {
     values.push_back(std::nextafter(v, 0.0));
     values.push_back(std::nextafter(v, INFINITY));
   }
+  // Every binary exponent from 2^-70 to 2^70, the lowest and highest
+  // significands and a tie-maker, where the rounding works on one word of
+  // the product (shifts of 1 to 63 bits) or on two.
+  for (int e = -70; e <= 70; ++e) {
+    const double p = std::ldexp(1.0, e);
+    for (double v : {p, std::nextafter(2.0 * p, 0.0), p * 1.5, p * 1.25 + std::ldexp(1.0, e - 52)}) {
+      values.push_back(v);
+      values.push_back(-v);
+    }
+  }
   expect_same_text(values);
 }
 
