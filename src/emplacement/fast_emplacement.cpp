@@ -602,9 +602,9 @@ void index_run_point(RunState& state, std::int32_t number, double separation) {
                                   points[2 * static_cast<std::size_t>(number - 1) + 1],
                                   state.control.poly_growth_rate);
   }
-  // The tables hold the points in order; a point indexed out of turn has
-  // no separation kept, and the proposals work it out again, nor a strike
-  // limit.
+  // The tables hold the points in order; a point indexed out of turn keeps
+  // neither its separation, which the proposals then work out again, nor a
+  // strike limit.
   if (f.separations.size() + 1 == static_cast<std::size_t>(number)) {
     f.separations.push_back(separation);
     f.strikes.push_back(point_strike(f, separation));
