@@ -22,16 +22,18 @@ void put_corner(CellTables& cells, std::int32_t position, double x, double y, st
   cells.cell_vertex_code[static_cast<std::size_t>(position - 1)] = code;
 }
 
+std::string too_few_triangles(std::int32_t reported_number) {
+  return "Only a single triangle, or zero triangles, is connected to emplaced point number " +
+         int_to_text(reported_number) + ". This is an internal point.";
+}
+
 void plain_cell(RunState& state, CellCursor& cursor, std::int32_t p, std::int32_t reported_number) {
   CellTables& cells = state.cells;
   const TriangleTable& tt = state.triangles;
   const std::int32_t c = tt.point_tri_count[static_cast<std::size_t>(p - 1)];
   cells.cell_vertex_count[static_cast<std::size_t>(p - 1)] = c;
   cells.cell_first_vertex[static_cast<std::size_t>(p - 1)] = cursor.last_vertex + 1;
-  if (c < 2) {
-    fail(state, "Only a single triangle, or zero triangles, is connected to emplaced point number " +
-                    int_to_text(reported_number) + ". This is an internal point.");
-  }
+  if (c < 2) fail(state, too_few_triangles(reported_number));
   const std::int32_t* col = column(state, p);
   for (std::int32_t k = 1; k <= c; ++k) {
     const std::int32_t t = col[k - 1];
@@ -40,6 +42,44 @@ void plain_cell(RunState& state, CellCursor& cursor, std::int32_t p, std::int32_
   }
   cursor.last_vertex += c;
   cursor.last_point = p;
+}
+
+// The plain cells of mesh points first to n, which follow the ring points.
+// Where each cell's corners go is the running sum of the counts before it,
+// worked out first; each cell then reads its own column and writes its own
+// corners alone, so the two halves of the points are filled side by side
+// with the same result.  A point of fewer than two triangles ends the run
+// with the message the cell-by-cell loop meets first, that of the lowest
+// such point; the tables a failing run leaves are never read.
+void plain_cells(RunState& state, CellCursor& cursor, std::int32_t first, std::int32_t n) {
+  if (first > n) return;
+  CellTables& cells = state.cells;
+  const TriangleTable& tt = state.triangles;
+  std::int32_t last_vertex = cursor.last_vertex;
+  for (std::int32_t p = first; p <= n; ++p) {
+    const std::size_t at = static_cast<std::size_t>(p - 1);
+    const std::int32_t c = tt.point_tri_count[at];
+    if (c < 2) fail(state, too_few_triangles(p));
+    cells.cell_vertex_count[at] = c;
+    cells.cell_first_vertex[at] = last_vertex + 1;
+    last_vertex += c;
+  }
+  run_in_parts(static_cast<std::size_t>(n - first + 1), [&](std::size_t begin, std::size_t end, int) {
+    for (std::size_t k = begin; k < end; ++k) {
+      const std::int32_t p = first + static_cast<std::int32_t>(k);
+      const std::size_t at = static_cast<std::size_t>(p - 1);
+      const std::int32_t* col = column(state, p);
+      const std::int32_t base = cells.cell_first_vertex[at] - 1;
+      for (std::int32_t v = 1; v <= cells.cell_vertex_count[at]; ++v) {
+        const std::int32_t t = col[v - 1];
+        put_corner(cells, base + v, tt.tri_centroid[2 * static_cast<std::size_t>(t - 1)],
+                   tt.tri_centroid[2 * static_cast<std::size_t>(t - 1) + 1], t);
+      }
+    }
+    return PartFailure{};
+  });
+  cursor.last_vertex = last_vertex;
+  cursor.last_point = n;
 }
 
 }  // namespace
@@ -217,7 +257,7 @@ void assemble_cell_polygons(RunState& state) {
   for (const BoundaryRing& ring : state.inner_boundaries) {
     if (!populate_boundary_with_polys(state, cursor, ring)) throw RunFailure{};
   }
-  for (std::int32_t p = cursor.last_point + 1; p <= n; ++p) plain_cell(state, cursor, p, p);
+  plain_cells(state, cursor, cursor.last_point + 1, n);
 }
 
 void measure_cells(RunState& state) {

@@ -98,37 +98,51 @@ void compute_triangles(RunState& state) {
   if (failure.failed()) fail(state, failure.message);
 }
 
+// Each triangle is marked by itself, so the two halves of the table are
+// marked side by side and their counts added.
 std::int32_t mark_external(RunState& state) {
   TriangleTable& tt = state.triangles;
   const std::vector<std::int32_t>& label = state.mesh.mesh_point_label;
-  std::int32_t external = 0;
-  for (std::int32_t t = 1; t <= tt.triangle_count; ++t) {
-    const std::size_t k = static_cast<std::size_t>(t - 1);
-    if (tt.itstat[k] == -1) {
-      ++external;
-      continue;
+  std::int32_t external[2] = {0, 0};
+  run_in_parts(static_cast<std::size_t>(std::max(tt.triangle_count, 0)), [&](std::size_t begin, std::size_t end, int part) {
+    std::int32_t count = 0;
+    for (std::size_t k = begin; k < end; ++k) {
+      if (tt.itstat[k] == -1) {
+        ++count;
+        continue;
+      }
+      if (on_ring(label[static_cast<std::size_t>(tt.tri_vertex[3 * k] - 1)]) &&
+          on_ring(label[static_cast<std::size_t>(tt.tri_vertex[3 * k + 1] - 1)]) &&
+          on_ring(label[static_cast<std::size_t>(tt.tri_vertex[3 * k + 2] - 1)]) &&
+          !point_in_domain(state, tt.tri_centroid[2 * k], tt.tri_centroid[2 * k + 1])) {
+        tt.itstat[k] = -1;
+        ++count;
+      }
     }
-    if (on_ring(label[static_cast<std::size_t>(tt.tri_vertex[3 * k] - 1)]) &&
-        on_ring(label[static_cast<std::size_t>(tt.tri_vertex[3 * k + 1] - 1)]) &&
-        on_ring(label[static_cast<std::size_t>(tt.tri_vertex[3 * k + 2] - 1)]) &&
-        !point_in_domain(state, tt.tri_centroid[2 * k], tt.tri_centroid[2 * k + 1])) {
-      tt.itstat[k] = -1;
-      ++external;
-    }
-  }
-  return external;
+    external[part] = count;
+    return PartFailure{};
+  });
+  return external[0] + external[1];
 }
 
-// One sweep over the internal triangles counts them at each corner.
+// A sweep over the internal triangles counts them at each corner; the
+// points are taken in two halves side by side, as in
+// build_connected_triangles.
 void count_point_triangles(RunState& state) {
   TriangleTable& tt = state.triangles;
   const std::int32_t n = state.mesh.mesh_point_count;
   std::fill(tt.point_tri_count.begin(), tt.point_tri_count.begin() + n, 0);
-  for (std::int32_t t = 1; t <= tt.triangle_count; ++t) {
-    const std::size_t k = static_cast<std::size_t>(t - 1);
-    if (tt.itstat[k] == -1) continue;
-    for (int e = 0; e < 3; ++e) tt.point_tri_count[static_cast<std::size_t>(tt.tri_vertex[3 * k + e] - 1)] += 1;
-  }
+  run_in_parts(static_cast<std::size_t>(n), [&](std::size_t begin, std::size_t end, int) {
+    for (std::int32_t t = 1; t <= tt.triangle_count; ++t) {
+      const std::size_t k = static_cast<std::size_t>(t - 1);
+      if (tt.itstat[k] == -1) continue;
+      for (int e = 0; e < 3; ++e) {
+        const std::size_t p = static_cast<std::size_t>(tt.tri_vertex[3 * k + e] - 1);
+        if (p >= begin && p < end) tt.point_tri_count[p] += 1;
+      }
+    }
+    return PartFailure{};
+  });
   tt.largest_tri_count = 0;
   tt.smallest_tri_count = 2147483647;
   for (std::int32_t p = 0; p < n; ++p) {
@@ -228,19 +242,25 @@ void build_connected_triangles(RunState& state) {
   if (static_cast<std::int32_t>(work.size()) < tt.largest_tri_count) {
     work.resize(static_cast<std::size_t>(tt.largest_tri_count));
   }
-  // One sweep over the triangles appends each to its corners' columns, in
-  // ascending triangle order.
+  // A sweep over the triangles appends each to its corners' columns, in
+  // ascending triangle order.  The points are taken in two halves side by
+  // side, each half sweeping every triangle and filling only its own
+  // points' columns: every column gets the same entries in the same order.
   std::vector<std::int32_t>& fill = tt.column_fill;
   fill.assign(static_cast<std::size_t>(n), 0);
   const std::size_t rows = static_cast<std::size_t>(tt.row_capacity);
-  for (std::int32_t t = 1; t <= tt.triangle_count; ++t) {
-    const std::size_t k = static_cast<std::size_t>(t - 1);
-    if (tt.itstat[k] == -1) continue;
-    for (int e = 0; e < 3; ++e) {
-      const std::size_t p = static_cast<std::size_t>(tt.tri_vertex[3 * k + e] - 1);
-      tt.connected_triangles[p * rows + static_cast<std::size_t>(fill[p]++)] = t;
+  run_in_parts(static_cast<std::size_t>(n), [&](std::size_t begin, std::size_t end, int) {
+    for (std::int32_t t = 1; t <= tt.triangle_count; ++t) {
+      const std::size_t k = static_cast<std::size_t>(t - 1);
+      if (tt.itstat[k] == -1) continue;
+      for (int e = 0; e < 3; ++e) {
+        const std::size_t p = static_cast<std::size_t>(tt.tri_vertex[3 * k + e] - 1);
+        if (p < begin || p >= end) continue;
+        tt.connected_triangles[p * rows + static_cast<std::size_t>(fill[p]++)] = t;
+      }
     }
-  }
+    return PartFailure{};
+  });
 }
 
 }  // namespace tesseramill

@@ -8,6 +8,7 @@
 #include "relaxation/cell_polygons.h"
 #include "relaxation/lloyd_step.h"
 #include "support/scratch.h"
+#include "support/whole_run.h"
 
 namespace tesseramill {
 namespace {
@@ -358,6 +359,60 @@ TEST(AssembleCellPolygons, InnerPointWithOneTriangleIsReportedAsTheCountPlusOne)
   one_triangle(state);
   EXPECT_EQ(failure_of(state, assemble_cell_polygons),
             "Only a single triangle, or zero triangles, is connected to emplaced point number 4. This "
+            "is an internal point.");
+}
+
+// Mesh points 1 to n, each with its own fan of 2 to 7 triangles of a
+// table of n triangles whose centroids are all different.
+void many_plain_cells(RunState& state, std::int32_t n) {
+  state.mesh.mesh_point_count = n;
+  state.mesh.mesh_points.assign(2 * static_cast<std::size_t>(n), 0.0);
+  TriangleTable& tt = state.triangles;
+  tt.triangle_count = n;
+  tt.row_capacity = 8;
+  tt.tri_centroid.resize(2 * static_cast<std::size_t>(n));
+  tt.point_tri_count.resize(static_cast<std::size_t>(n));
+  tt.connected_triangles.assign(8 * static_cast<std::size_t>(n), 0);
+  for (std::int32_t p = 1; p <= n; ++p) {
+    const std::size_t at = static_cast<std::size_t>(p - 1);
+    tt.tri_centroid[2 * at] = p * 0.5;
+    tt.tri_centroid[2 * at + 1] = -p * 0.25;
+    const std::int32_t c = 2 + (p * 7919) % 6;
+    tt.point_tri_count[at] = c;
+    for (std::int32_t k = 0; k < c; ++k) tt.connected_triangles[8 * at + static_cast<std::size_t>(k)] = 1 + (p * 31 + k * 977) % n;
+  }
+}
+
+TEST(AssembleCellPolygons, PlainCellsFilledInTwoHalvesAreTheCellsFilledInOrder) {
+  RunState two;
+  many_plain_cells(two, 50000);
+  assemble_cell_polygons(two);
+  RunState one;
+  many_plain_cells(one, 50000);
+  {
+    tesseramill_test::OneCore one_core;
+    assemble_cell_polygons(one);
+  }
+  EXPECT_EQ(two.cells.cell_vertex_count, one.cells.cell_vertex_count);
+  EXPECT_EQ(two.cells.cell_first_vertex, one.cells.cell_first_vertex);
+  EXPECT_EQ(two.cells.cell_vertex_code, one.cells.cell_vertex_code);
+  EXPECT_EQ(two.cells.cell_vertices, one.cells.cell_vertices);
+  // Point 30,001's corners follow the counts of the points before it.
+  std::int32_t before = 0;
+  for (std::size_t k = 0; k < 30000; ++k) before += two.triangles.point_tri_count[k];
+  EXPECT_EQ(two.cells.cell_first_vertex[30000], before + 1);
+  const std::int32_t t = two.triangles.connected_triangles[8 * 30000];
+  EXPECT_EQ(two.cells.cell_vertex_code[static_cast<std::size_t>(before)], t);
+  EXPECT_EQ(two.cells.cell_vertices[2 * static_cast<std::size_t>(before)], t * 0.5);
+}
+
+TEST(AssembleCellPolygons, TheLowestPointWithTooFewTrianglesIsReported) {
+  RunState state;
+  many_plain_cells(state, 50000);
+  state.triangles.point_tri_count[44999] = 0;
+  state.triangles.point_tri_count[30000] = 1;
+  EXPECT_EQ(failure_of(state, assemble_cell_polygons),
+            "Only a single triangle, or zero triangles, is connected to emplaced point number 30001. This "
             "is an internal point.");
 }
 
