@@ -104,7 +104,8 @@ std::int32_t mark_external(RunState& state) {
   TriangleTable& tt = state.triangles;
   const std::vector<std::int32_t>& label = state.mesh.mesh_point_label;
   std::int32_t external[2] = {0, 0};
-  run_in_parts(static_cast<std::size_t>(std::max(tt.triangle_count, 0)), [&](std::size_t begin, std::size_t end, int part) {
+  const std::size_t triangles = static_cast<std::size_t>(std::max(tt.triangle_count, 0));
+  run_in_parts(triangles, [&](std::size_t begin, std::size_t end, int part) {
     std::int32_t count = 0;
     for (std::size_t k = begin; k < end; ++k) {
       if (tt.itstat[k] == -1) {

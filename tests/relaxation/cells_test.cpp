@@ -379,7 +379,9 @@ void many_plain_cells(RunState& state, std::int32_t n) {
     tt.tri_centroid[2 * at + 1] = -p * 0.25;
     const std::int32_t c = 2 + (p * 7919) % 6;
     tt.point_tri_count[at] = c;
-    for (std::int32_t k = 0; k < c; ++k) tt.connected_triangles[8 * at + static_cast<std::size_t>(k)] = 1 + (p * 31 + k * 977) % n;
+    for (std::int32_t k = 0; k < c; ++k) {
+      tt.connected_triangles[8 * at + static_cast<std::size_t>(k)] = 1 + (p * 31 + k * 977) % n;
+    }
   }
 }
 
