@@ -126,24 +126,31 @@ std::int32_t mark_external(RunState& state) {
   return external[0] + external[1];
 }
 
-// A sweep over the internal triangles counts them at each corner; the
-// points are taken in two halves side by side, as in
-// build_connected_triangles.
-void count_point_triangles(RunState& state) {
-  TriangleTable& tt = state.triangles;
-  const std::int32_t n = state.mesh.mesh_point_count;
-  std::fill(tt.point_tri_count.begin(), tt.point_tri_count.begin() + n, 0);
+// Calls visit(p, t) for each corner p (0-based) of each internal triangle
+// t, in ascending triangle order, the points taken in two halves side by
+// side: each half sweeps every triangle and is given only its own points,
+// so whatever visit keeps per point it gets in the same order as one sweep.
+template <typename Visit>
+void sweep_corners_in_halves(const TriangleTable& tt, std::int32_t n, Visit visit) {
   run_in_parts(static_cast<std::size_t>(n), [&](std::size_t begin, std::size_t end, int) {
     for (std::int32_t t = 1; t <= tt.triangle_count; ++t) {
       const std::size_t k = static_cast<std::size_t>(t - 1);
       if (tt.itstat[k] == -1) continue;
       for (int e = 0; e < 3; ++e) {
         const std::size_t p = static_cast<std::size_t>(tt.tri_vertex[3 * k + e] - 1);
-        if (p >= begin && p < end) tt.point_tri_count[p] += 1;
+        if (p >= begin && p < end) visit(p, t);
       }
     }
     return PartFailure{};
   });
+}
+
+// A sweep over the internal triangles counts them at each corner.
+void count_point_triangles(RunState& state) {
+  TriangleTable& tt = state.triangles;
+  const std::int32_t n = state.mesh.mesh_point_count;
+  std::fill(tt.point_tri_count.begin(), tt.point_tri_count.begin() + n, 0);
+  sweep_corners_in_halves(tt, n, [&](std::size_t p, std::int32_t) { tt.point_tri_count[p] += 1; });
   tt.largest_tri_count = 0;
   tt.smallest_tri_count = 2147483647;
   for (std::int32_t p = 0; p < n; ++p) {
@@ -244,23 +251,12 @@ void build_connected_triangles(RunState& state) {
     work.resize(static_cast<std::size_t>(tt.largest_tri_count));
   }
   // A sweep over the triangles appends each to its corners' columns, in
-  // ascending triangle order.  The points are taken in two halves side by
-  // side, each half sweeping every triangle and filling only its own
-  // points' columns: every column gets the same entries in the same order.
+  // ascending triangle order.
   std::vector<std::int32_t>& fill = tt.column_fill;
   fill.assign(static_cast<std::size_t>(n), 0);
   const std::size_t rows = static_cast<std::size_t>(tt.row_capacity);
-  run_in_parts(static_cast<std::size_t>(n), [&](std::size_t begin, std::size_t end, int) {
-    for (std::int32_t t = 1; t <= tt.triangle_count; ++t) {
-      const std::size_t k = static_cast<std::size_t>(t - 1);
-      if (tt.itstat[k] == -1) continue;
-      for (int e = 0; e < 3; ++e) {
-        const std::size_t p = static_cast<std::size_t>(tt.tri_vertex[3 * k + e] - 1);
-        if (p < begin || p >= end) continue;
-        tt.connected_triangles[p * rows + static_cast<std::size_t>(fill[p]++)] = t;
-      }
-    }
-    return PartFailure{};
+  sweep_corners_in_halves(tt, n, [&](std::size_t p, std::int32_t t) {
+    tt.connected_triangles[p * rows + static_cast<std::size_t>(fill[p]++)] = t;
   });
 }
 
