@@ -161,11 +161,17 @@ windows:
 
 # Cross-compiles every program and the test suite for Windows and runs
 # every test under Wine, in a Wine prefix of its own inside the build folder.
-# Each half of the suite prints its failures and its count of tests.
+# Each half of the suite prints its failures and its count of tests; when a
+# half fails, the failures are printed again at the end, where a log cut to
+# its last lines still shows which test failed and why.
 windows-test:
 	cmake -S . -B $(WINDOWS_BUILD) -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64.cmake
 	cmake --build $(WINDOWS_BUILD) -j 2
-	cd $(WINDOWS_BUILD) && ctest --verbose -j 2
+	cd $(WINDOWS_BUILD) && ctest --verbose -j 2 || { \
+	  echo "The failures of the Windows tests under Wine:"; \
+	  grep -h -A 12 -E ': Failure$$|Exception thrown|[0-9]+ FAILED TEST' Testing/Temporary/LastTest.log | head -n 120; \
+	  grep -h -E '\[  FAILED  \]' Testing/Temporary/LastTest.log | head -n 20; \
+	  exit 1; }
 
 # Runs the Linux and the Windows mesher on both examples and the benchmark
 # family up to 100,000 cells and compares every written file byte for byte.
