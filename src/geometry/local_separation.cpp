@@ -103,7 +103,12 @@ void fold_fast(double x, double y, const GrowthConstants& k, const double* coord
 // Visits the cells of the bucket grid ring by ring outwards from (x, y),
 // stopping where no source can ask for less than `bound` any more: a source
 // at distance d asks for at least d (growth - 1) / growth^1.5.  `bound` is
-// read again before each ring, as the visits lower it.
+// read again before each ring, as the visits lower it.  `visit` must pass
+// over, changing nothing, every source of separation s at squared distance
+// d2 (as dx * dx + dy * dy rounds it) with s >= bound, or with d2 >= reach *
+// reach for reach = (bound * rise_start - s) * reciprocal_growth_less_one *
+// kMargin, as fold_source does; a cell all of whose sources it would pass
+// over is then not visited.
 template <typename VisitSource>
 void walk_rings(const SourceIndex& index, double x, double y, const GrowthConstants& k, const double& bound,
                 VisitSource visit) {
@@ -115,8 +120,28 @@ void walk_rings(const SourceIndex& index, double x, double y, const GrowthConsta
   const std::int64_t ci = static_cast<std::int64_t>(std::clamp(g.column_of(x), -reach_limit, reach_limit));
   const std::int64_t cj = static_cast<std::int64_t>(std::clamp(g.row_of(y), -reach_limit, reach_limit));
   const std::int64_t last_ring = std::max(std::max(ci, nx - 1 - ci), std::max(cj, ny - 1 - cj));
+  // A cell is passed over whole when its smallest separation is at least
+  // `bound`, or when the reach of that smallest separation falls short of
+  // the gap to the cell's rectangle of sources.  Every source left has s
+  // in [least, bound); with growth^1.5 at least one and 1 / (growth - 1)
+  // positive, bound * rise_start is at least bound, above s, so its reach is
+  // not negative and, every rounded step being monotone, no larger than
+  // the reach of `least`; and its d2 is no smaller than the cell's gap
+  // (squared_gap_to_cell).  So d2 >= reach * reach for each of them.  The
+  // test is skipped for other growth rates and points that are no finite
+  // numbers.  On the GIS-like divide of 8,000 vertices this leaves 46 of
+  // the 135 sources that each seed's fields looked at.
+  const bool summarised = index.summaries.size() == g.cell_count() && k.rise_start >= 1.0 &&
+                          k.reciprocal_growth_less_one > 0.0 && std::isfinite(x) && std::isfinite(y);
   auto visit_cell = [&](std::int64_t i, std::int64_t j) {
     const std::size_t c = static_cast<std::size_t>(j * nx + i);
+    if (index.cell_start[c] == index.cell_start[c + 1]) return;
+    if (summarised) {
+      const SourceCellSummary& cell = index.summaries[c];
+      if (cell.least >= bound) return;
+      const double reach = (bound * k.rise_start - cell.least) * k.reciprocal_growth_less_one * kMargin;
+      if (squared_gap_to_cell(cell, x, x, y, y) >= reach * reach) return;
+    }
     for (std::int32_t m = index.cell_start[c]; m < index.cell_start[c + 1]; ++m) {
       const std::size_t at = static_cast<std::size_t>(m);
       visit(index.xs[at], index.ys[at], index.separations[at]);

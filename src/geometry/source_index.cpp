@@ -65,6 +65,27 @@ void count_empty_rings(SourceIndex& index) {
   }
 }
 
+// The rectangle and smallest separation of each cell's sources.
+void summarise_cells(SourceIndex& index) {
+  const std::size_t cells = index.grid.cell_count();
+  index.summaries.assign(cells, SourceCellSummary{});
+  for (std::size_t c = 0; c < cells; ++c) {
+    const std::int32_t first = index.cell_start[c];
+    if (first == index.cell_start[c + 1]) continue;
+    const std::size_t at = static_cast<std::size_t>(first);
+    SourceCellSummary& summary = index.summaries[c];
+    summary = {index.xs[at], index.xs[at], index.ys[at], index.ys[at], index.separations[at]};
+    for (std::int32_t m = first + 1; m < index.cell_start[c + 1]; ++m) {
+      const std::size_t at = static_cast<std::size_t>(m);
+      summary.xlo = std::min(summary.xlo, index.xs[at]);
+      summary.xhi = std::max(summary.xhi, index.xs[at]);
+      summary.ylo = std::min(summary.ylo, index.ys[at]);
+      summary.yhi = std::max(summary.yhi, index.ys[at]);
+      summary.least = std::min(summary.least, index.separations[at]);
+    }
+  }
+}
+
 }  // namespace
 
 std::int64_t empty_rings_around(const SourceIndex& index, std::int64_t i0, std::int64_t i1, std::int64_t j0,
@@ -155,6 +176,7 @@ void build_source_index(RunState& state) {
     index.separations[at] = s;
   });
   count_empty_rings(index);
+  summarise_cells(index);
   index.built = true;
 }
 

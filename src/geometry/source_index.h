@@ -2,6 +2,7 @@
 // visits only the sources near enough to lower its result.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -10,6 +11,16 @@
 namespace tesseramill {
 
 struct RunState;
+
+// The smallest rectangle that holds the sources of a cell of the grid, and
+// the smallest of their separations.
+struct SourceCellSummary {
+  double xlo = 0.0;
+  double xhi = 0.0;
+  double ylo = 0.0;
+  double yhi = 0.0;
+  double least = 0.0;
+};
 
 struct SourceIndex {
   bool built = false;
@@ -22,7 +33,26 @@ struct SourceIndex {
   // holds a source: the number of rings of cells around it that hold none.
   // kNoSourceNear where no cell holds one.
   std::vector<std::uint16_t> empty_rings;
+  // For each cell, the summary of its sources, so that a walk may pass over
+  // a cell none of whose sources could change its result (see the walks of
+  // local_separation.cpp and field_bounds.cpp); read only for cells that
+  // hold a source.  Empty when not kept: the walks then look at every
+  // source, as they did before the summaries, which the tests compare.
+  std::vector<SourceCellSummary> summaries;
 };
+
+// The squared gap between the rectangle [xlo, xhi] x [ylo, yhi] (a point
+// when xlo = xhi and ylo = yhi) and a cell's rectangle of sources, rounded
+// as the walks round the gap to each source: each of x - sx, sx - x and
+// their squares and sum only grows, step by rounded step, as the source
+// moves away, and every source of the cell lies in its rectangle, so the
+// gap to the cell is no larger than that to any of its sources.  All four
+// sides must be finite numbers.
+inline double squared_gap_to_cell(const SourceCellSummary& cell, double xlo, double xhi, double ylo, double yhi) {
+  const double ex = std::max({xlo - cell.xhi, 0.0, cell.xlo - xhi});
+  const double ey = std::max({ylo - cell.yhi, 0.0, cell.ylo - yhi});
+  return ex * ex + ey * ey;
+}
 
 inline constexpr std::uint16_t kNoSourceNear = 65535;
 

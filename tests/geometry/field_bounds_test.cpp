@@ -5,6 +5,8 @@
 #include <cmath>
 #include <cstring>
 #include <sstream>
+#include <string>
+#include <tuple>
 #include <utility>
 
 #include "geometry/cell_grid.h"
@@ -473,6 +475,198 @@ TEST(FieldBounds, TilesLeaveOutASourceExactlyAtTheBoundAndGiveTheSameBits) {
     EXPECT_EQ(tile.xs[0], 30.0);
     expect_tile_gives_same_bits(state, bounds, tile, 0, 0);
   }
+}
+
+// bound_field with the cells' summaries, which let its walk pass over whole
+// cells, against the walk over every source of every cell: the same
+// bounds, bit for bit, and the same sources in the same order.  Rectangles
+// of every size, from points to several times the cap, anywhere and close
+// to the chains, where cells crowd with sources.  Returns how many of the
+// rectangles lie where the field is graded (below the cap), where sources
+// near and far are weighed and the summaries pass over cells.
+int expect_summaries_change_no_bounds(RunState& state, std::uint64_t seed, int rectangles) {
+  Random random(seed);
+  double xmin, xmax, ymin, ymax;
+  outer_extent(state, xmin, xmax, ymin, ymax);
+  const double largest = state.control.max_centroid_separation;
+  const std::vector<double>& chain = state.outer_boundary.points;
+  EXPECT_EQ(state.source_index.summaries.size(), state.source_index.grid.cell_count());
+  FieldBounds with;
+  FieldBounds without;
+  int graded = 0;
+  for (int r = 0; r < rectangles; ++r) {
+    double x = random.uniform(xmin, xmax);
+    double y = random.uniform(ymin, ymax);
+    if (r % 2 == 0 && chain.size() >= 2) {
+      const std::size_t k = static_cast<std::size_t>(random.uniform(0, static_cast<double>(chain.size() / 2)));
+      x = chain[2 * k] - random.uniform(0, largest);
+      y = chain[2 * k + 1] - random.uniform(0, largest);
+    }
+    const double w = r % 7 == 0 ? 0.0 : largest * random.uniform(0.001, 3);
+    const double h = r % 7 == 0 ? 0.0 : largest * random.uniform(0.001, 3);
+    bound_field(state, x, x + w, y, y + h, with);
+    std::vector<SourceCellSummary> summaries;
+    std::swap(summaries, state.source_index.summaries);
+    bound_field(state, x, x + w, y, y + h, without);
+    std::swap(summaries, state.source_index.summaries);
+    const std::string where = std::to_string(x) + " " + std::to_string(y) + " " + std::to_string(w) + " " +
+                              std::to_string(h);
+    EXPECT_EQ(with.usable, without.usable) << where;
+    EXPECT_EQ(with.flat, without.flat) << where;
+    EXPECT_EQ(with.caps_vary, without.caps_vary) << where;
+    for (const auto& [a, b, what] : {std::tuple{with.lo, without.lo, "lo"}, std::tuple{with.hi, without.hi, "hi"},
+                                     std::tuple{with.cap, without.cap, "cap"},
+                                     std::tuple{with.cap_lo, without.cap_lo, "cap_lo"}}) {
+      expect_same_bits(a, b, what, x, y);
+    }
+    EXPECT_EQ(with.xs, without.xs) << where;
+    EXPECT_EQ(with.ys, without.ys) << where;
+    EXPECT_EQ(with.separations, without.separations) << where;
+    EXPECT_EQ(with.lowers, without.lowers) << where;
+    if (with.hi < largest) ++graded;
+  }
+  return graded;
+}
+
+TEST(FieldBounds, CellSummariesChangeNoBoundsAlongADigitisedDivideAndARiver) {
+  for (double growth : {1.25, 1.05, 2.0}) {
+    tesseramill_test::ScratchDir dir;
+    ModelRecipe recipe = tesseramill_bench::gis_model(2000);
+    recipe.growth = growth;
+    RunState state;
+    state_after_boundaries(state, recipe, dir);
+    EXPECT_GT(expect_summaries_change_no_bounds(state, 61 + static_cast<std::uint64_t>(growth * 100), 1500), 300);
+  }
+}
+
+TEST(FieldBounds, CellSummariesChangeNoBoundsOnTheFamily) {
+  tesseramill_test::ScratchDir dir;
+  ModelRecipe recipe = tesseramill_bench::family_model(1e5);
+  recipe.scale = 1.0;
+  RunState state;
+  state_after_boundaries(state, recipe, dir);
+  EXPECT_GT(expect_summaries_change_no_bounds(state, 62, 1500), 300);
+}
+
+// Sources on a lattice, many of them tying in distance and separation, in
+// cells whose rectangles of sources are single points or lines.
+TEST(FieldBounds, CellSummariesChangeNoBoundsThroughTiesOnALattice) {
+  Random random(34);
+  RunState state;
+  FieldBounds with;
+  FieldBounds without;
+  for (int trial = 0; trial < 300; ++trial) {
+    std::vector<double> coords;
+    std::vector<double> separations;
+    const int count = 2 + trial % 60;
+    for (int k = 0; k < count; ++k) {
+      coords.push_back(std::round(random.uniform(-600, 600)));
+      coords.push_back(std::round(random.uniform(-600, 600)));
+      separations.push_back(trial % 3 == 0 ? 40.0 : std::round(random.uniform(10, 80)));
+    }
+    state_with_sources(state, coords, separations);
+    state.control.max_centroid_separation = 100.0;
+    build_source_index(state);
+    for (int x = -500; x <= 500; x += 125) {
+      for (int y = -500; y <= 500; y += 125) {
+        bound_field(state, x, x + 40, y, y + 40, with);
+        std::vector<SourceCellSummary> summaries;
+        std::swap(summaries, state.source_index.summaries);
+        bound_field(state, x, x + 40, y, y + 40, without);
+        std::swap(summaries, state.source_index.summaries);
+        expect_same_bits(with.lo, without.lo, "lo", x, y);
+        expect_same_bits(with.hi, without.hi, "hi", x, y);
+        ASSERT_EQ(with.xs, without.xs) << trial << " " << x << " " << y;
+        ASSERT_EQ(with.lowers, without.lowers) << trial << " " << x << " " << y;
+      }
+    }
+  }
+}
+
+// The field's walk with the cells' summaries, which passes over whole cells,
+// against the reference field over every source, and against the same walk
+// without the summaries: anywhere in the domain, on and next to the chain
+// points, where the nearest sources decide, and at every growth rate that
+// has safe bounds and at one so close to one that it has none.
+TEST(LocalSeparationFastPath, CellSummariesGiveTheReferenceBitsAlongADigitisedDivideAndARiver) {
+  tesseramill_test::ScratchDir dir;
+  RunState state;
+  state_after_boundaries(state, tesseramill_bench::gis_model(2000), dir);
+  for (double growth : {1.25, 1.05, 2.0, 1.0 + 1e-12}) {
+    Random random(71 + static_cast<std::uint64_t>(growth * 100));
+    double xmin, xmax, ymin, ymax;
+    outer_extent(state, xmin, xmax, ymin, ymax);
+    const std::vector<double>& chain = state.outer_boundary.points;
+    int differences = 0;
+    int graded = 0;
+    for (int n = 0; n < 1500; ++n) {
+      double x = random.uniform(xmin, xmax);
+      double y = random.uniform(ymin, ymax);
+      if (n % 2 == 0) {
+        const std::size_t k = static_cast<std::size_t>(random.uniform(0, static_cast<double>(chain.size() / 2)));
+        const double offset = n % 6 == 0 ? 0.0 : random.uniform(-200, 200);
+        x = chain[2 * k] + offset;
+        y = chain[2 * k + 1] + (n % 6 == 0 ? 0.0 : random.uniform(-200, 200));
+      }
+      const double fast = local_separation(state, x, y, growth);
+      std::vector<SourceCellSummary> summaries;
+      std::swap(summaries, state.source_index.summaries);
+      const double walked = local_separation(state, x, y, growth);
+      std::swap(summaries, state.source_index.summaries);
+      const double reference = local_separation_reference(state, x, y, growth);
+      if (std::memcmp(&fast, &reference, sizeof fast) != 0 || std::memcmp(&fast, &walked, sizeof fast) != 0) {
+        if (++differences <= 5) ADD_FAILURE() << x << " " << y << ": " << fast << " " << walked << " " << reference;
+      }
+      if (fast < state.control.max_centroid_separation) ++graded;
+    }
+    EXPECT_EQ(differences, 0) << growth;
+    EXPECT_GT(graded, 750) << growth;
+  }
+}
+
+// The summary of each cell: the smallest rectangle of its sources and their
+// smallest separation.
+TEST(SourceIndex, EachCellIsSummarisedByItsSourcesRectangleAndSmallestSeparation) {
+  Random random(35);
+  RunState state;
+  std::vector<double> coords;
+  std::vector<double> separations;
+  for (int k = 0; k < 500; ++k) {
+    coords.push_back(random.uniform(-900, 900));
+    coords.push_back(random.uniform(-900, 900));
+    separations.push_back(random.uniform(1, 50));
+  }
+  state_with_sources(state, coords, separations);
+  state.control.max_centroid_separation = 100.0;
+  build_source_index(state);
+  const SourceIndex& index = state.source_index;
+  ASSERT_EQ(index.summaries.size(), index.grid.cell_count());
+  int full = 0;
+  for (std::size_t c = 0; c < index.grid.cell_count(); ++c) {
+    if (index.cell_start[c] == index.cell_start[c + 1]) continue;
+    ++full;
+    double xlo = INFINITY, xhi = -INFINITY, ylo = INFINITY, yhi = -INFINITY, least = INFINITY;
+    for (std::int32_t m = index.cell_start[c]; m < index.cell_start[c + 1]; ++m) {
+      const std::size_t at = static_cast<std::size_t>(m);
+      xlo = std::min(xlo, index.xs[at]);
+      xhi = std::max(xhi, index.xs[at]);
+      ylo = std::min(ylo, index.ys[at]);
+      yhi = std::max(yhi, index.ys[at]);
+      least = std::min(least, index.separations[at]);
+    }
+    const SourceCellSummary& summary = index.summaries[c];
+    EXPECT_EQ(summary.xlo, xlo);
+    EXPECT_EQ(summary.xhi, xhi);
+    EXPECT_EQ(summary.ylo, ylo);
+    EXPECT_EQ(summary.yhi, yhi);
+    EXPECT_EQ(summary.least, least);
+    // The gap to the cell is that to its nearest source's place, and zero
+    // from inside the rectangle.
+    EXPECT_EQ(squared_gap_to_cell(summary, xlo, xlo, ylo, ylo), 0.0);
+    EXPECT_EQ(squared_gap_to_cell(summary, xhi + 3, xhi + 3, yhi + 4, yhi + 4), 25.0);
+    EXPECT_EQ(squared_gap_to_cell(summary, xlo - 6, xlo - 6, (ylo + yhi) / 2, (ylo + yhi) / 2), 36.0);
+  }
+  EXPECT_GT(full, 100);
 }
 
 }  // namespace
