@@ -232,22 +232,67 @@ bool any_candidate_in_domain(const RunState& state, const Grid& g) {
   return point_in_domain(state, g.x(0), g.y(0));
 }
 
+// A distance that every candidate still open after strike_near_segments
+// keeps from every edge of the outer boundary and the holes, or 0 where
+// none is known beyond the domain index's margins.  An open candidate has
+// no segment of those rings closer than its separation, as
+// distance_to_segment rounds it (segments that strike_near_segments did
+// not list lie farther than the field's upper bound), and its separation
+// is at least the rectangle's lower bound.  distance_to_segment is off by
+// far less than a relative 1e-9 plus 1e-9 of the coordinates' size, and a
+// ring's closing edge, from its last vertex back to its first, lies within
+// closing_gap of the last vertex, which ends a segment.
+double edge_clearance(const FastEmplacement& fe, const ProposalScratch& f, const Grid& g) {
+  const double size =
+      std::fabs(g.x(-g.half)) + std::fabs(g.x(g.half)) + std::fabs(g.y(-g.half)) + std::fabs(g.y(g.half));
+  const double clear = f.field.lo * (1.0 - 1e-9) - 1e-9 * size - fe.closing_gap;
+  return clear > fe.edge_margin ? clear : 0.0;
+}
+
+// The first open candidate of a tile in scan order; false when none is.
+bool first_open_in_tile(const ProposalScratch& f, const Grid& g, const TileRange& r, std::int32_t& k,
+                        std::int32_t& j) {
+  for (j = r.j0; j <= r.j1; ++j) {
+    for (k = r.k0; k <= r.k1; ++k) {
+      if (f.open[g.at(k, j)] != 0) return true;
+    }
+  }
+  return false;
+}
+
 // Strikes the open candidates that lie outside the domain.  A tile whose
 // rectangle the domain index places wholly inside or wholly outside decides
 // all its candidates at once, since rectangle_in_domain gives for a
-// rectangle what point_in_domain gives at every point of it; the
-// candidates of the other tiles are tested one by one.  Each candidate is
-// decided alone, so the order of the tests does not matter.
+// rectangle what point_in_domain gives at every point of it.
+//
+// The open candidates of any other tile are decided by the first of them
+// alone when they all keep `clear` (edge_clearance) from every edge of the
+// rings and the tile's diagonal, widened far beyond its rounding, is below
+// 2 clear.  Then every point of the segment between two of them lies
+// within half the diagonal of one of its ends, so nearer no edge than
+// clear - diagonal / 2 > 0: the segment crosses no ring, and the two have
+// the same winding number round each.  Both lie beyond every margin of the
+// domain index, where point_in_domain gives the winding number's answer,
+// so it gives each of them the first one's.  On the GIS-like divide of
+// 8,000 vertices every such tile is decided so, with 0.4 point tests per
+// seed instead of 9.7.  Otherwise the candidates are tested one by one.  Each candidate is decided alone,
+// so the order of the tests does not matter.
 void strike_outside_domain(const RunState& state, ProposalScratch& f, const Grid& g) {
+  const double clear = edge_clearance(state.fast_emplacement, f, g);
   for (std::int32_t tj = 0; tj < tiles_per_side(g); ++tj) {
     for (std::int32_t ti = 0; ti < tiles_per_side(g); ++ti) {
       const TileRange r = tile_range(g, ti, tj);
-      bool any_open = false;
-      for (std::int32_t j = r.j0; j <= r.j1 && !any_open; ++j) {
-        for (std::int32_t k = r.k0; k <= r.k1; ++k) any_open = any_open || f.open[g.at(k, j)] != 0;
+      std::int32_t k_first = 0;
+      std::int32_t j_first = 0;
+      if (!first_open_in_tile(f, g, r, k_first, j_first)) continue;
+      int where = rectangle_in_domain(state, g.x(r.k0), g.x(r.k1), g.y(r.j0), g.y(r.j1));
+      if (where == kMixed && clear > 0.0) {
+        const double dx = g.x(r.k1) - g.x(r.k0);
+        const double dy = g.y(r.j1) - g.y(r.j0);
+        if (std::sqrt(dx * dx + dy * dy) * (1.0 + 1e-12) < clear + clear) {
+          where = point_in_domain(state, g.x(k_first), g.y(j_first)) ? kInside : kOutside;
+        }
       }
-      if (!any_open) continue;
-      const int where = rectangle_in_domain(state, g.x(r.k0), g.x(r.k1), g.y(r.j0), g.y(r.j1));
       if (where == kInside) continue;
       for (std::int32_t j = r.j0; j <= r.j1; ++j) {
         for (std::int32_t k = r.k0; k <= r.k1; ++k) {
@@ -581,6 +626,29 @@ void start_fast_emplacement(RunState& state) {
     counts.push_back(ring.vertex_count);
   }
   build_segment_index(f.segments, rings, counts);
+  // The rings' closing gaps, each as |dx| + |dy|, no less than its length;
+  // and the domain index's widest margin, when it serves every ring.
+  const DomainIndex& domain = state.domain_index;
+  bool served = domain.built && domain.outer.usable && domain.holes.size() == state.inner_boundaries.size();
+  f.edge_margin = 0.0;
+  for (std::size_t r = 0; r < rings.size(); ++r) {
+    if (counts[r] < 1) continue;
+    const double* first = rings[r];
+    const double* last = rings[r] + 2 * static_cast<std::size_t>(counts[r] - 1);
+    const double gap = std::fabs(last[0] - first[0]) + std::fabs(last[1] - first[1]);
+    if (std::isfinite(gap)) {
+      f.closing_gap = std::max(f.closing_gap, gap * (1.0 + 1e-12));
+    } else {
+      served = false;
+    }
+    const RingIndex* ring = r == 0 ? &domain.outer : r - 1 < domain.holes.size() ? &domain.holes[r - 1] : nullptr;
+    if (ring == nullptr || !ring->usable) {
+      served = false;
+      continue;
+    }
+    for (double margin : ring->near) f.edge_margin = std::max(f.edge_margin, margin);
+  }
+  if (!served) f.edge_margin = INFINITY;
   if (!f.segments.built) {
     // Values the index cannot place: every segment is looked at.
     f.segments.ends.clear();

@@ -2,6 +2,7 @@
 // boundary segments by place, and scratch tables reused from seed to seed.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <vector>
@@ -67,6 +68,13 @@ struct FastEmplacement {
   double ylo = 0.0;
   double yhi = 0.0;
   SegmentIndex segments;
+  // The most by which a ring's last vertex misses its first (the closing
+  // edge between them is no segment of `segments`), and the widest margin
+  // of the domain index round any edge of the rings, beyond which
+  // point_in_domain gives a point's winding number's answer (INFINITY
+  // where the index does not serve every ring).
+  double closing_gap = 0.0;
+  double edge_margin = INFINITY;
   ProposalScratch scratch;
   // The second thread's, while a cycle's seeds are shared.
   ProposalScratch second_scratch;
