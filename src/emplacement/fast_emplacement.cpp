@@ -249,10 +249,16 @@ double edge_clearance(const FastEmplacement& fe, const ProposalScratch& f, const
   return clear > fe.edge_margin ? clear : 0.0;
 }
 
+bool any_open_in_run(const std::uint8_t* p, std::size_t n);
+
 // The first open candidate of a tile in scan order; false when none is.
+// Most tiles are struck whole by now, so each row is first looked at eight
+// candidates to a load (any_open_in_run).
 bool first_open_in_tile(const ProposalScratch& f, const Grid& g, const TileRange& r, std::int32_t& k,
                         std::int32_t& j) {
+  const std::size_t width = static_cast<std::size_t>(r.k1 - r.k0 + 1);
   for (j = r.j0; j <= r.j1; ++j) {
+    if (!any_open_in_run(f.open.data() + g.at(r.k0, j), width)) continue;
     for (k = r.k0; k <= r.k1; ++k) {
       if (f.open[g.at(k, j)] != 0) return true;
     }

@@ -188,6 +188,9 @@ bool field_slope(const RunState& state, double xlo, double xhi, double ylo, doub
 
 namespace {
 
+// `in_range`: every source's upper_size is known to pass its tests of
+// range at (x, y), and is worked out without them, to the same bits.
+template <bool in_range>
 void bound_from_sources(const RunState& state, const FieldBounds& b, const std::vector<double>& xs,
                         const std::vector<double>& ys, const std::vector<double>& separations, double x, double y,
                         double& lo, double& hi) {
@@ -201,14 +204,14 @@ void bound_from_sources(const RunState& state, const FieldBounds& b, const std::
     const double dy = y - ys[k];
     const double d = std::sqrt(dx * dx + dy * dy);
     lo = std::min(lo, lower_size(g, d, separations[k]));
-    hi = std::min(hi, upper_size(g, d, separations[k]));
+    hi = std::min(hi, in_range ? upper_size_in_range(g, d, separations[k]) : upper_size(g, d, separations[k]));
   }
 }
 
 }  // namespace
 
 void bound_field_at(const RunState& state, const FieldBounds& b, double x, double y, double& lo, double& hi) {
-  bound_from_sources(state, b, b.xs, b.ys, b.separations, x, y, lo, hi);
+  bound_from_sources<false>(state, b, b.xs, b.ys, b.separations, x, y, lo, hi);
 }
 
 // Why a tile's bounds are the very bits of the rectangle's.  At a point P of
@@ -239,6 +242,12 @@ void keep_tile_sources(const RunState& state, const FieldBounds& b, double xlo, 
   // The lowers of the sources kept so far, for the last sweep below.
   thread_local std::vector<double> lowers;
   lowers.clear();
+  // Whether every source kept has a positive separation and passes
+  // upper_size's tests of range at the tile's corner farthest from it.  It
+  // then passes them at every point P of the tile: the rounded distance
+  // from P is at most that from the farthest corner (as above), and both d
+  // (growth - 1) / s and the algebraic size never fall as d rises.
+  bool in_range = true;
   for (std::size_t k = 0; k < b.xs.size(); ++k) {
     // The tile lies in the rectangle, so a source's lower bound over the
     // tile is at least its lower bound over the rectangle (the rounded
@@ -255,7 +264,9 @@ void keep_tile_sources(const RunState& state, const FieldBounds& b, double xlo, 
     if (lower >= upper) continue;
     const double fx = std::max(std::fabs(sx - xlo), std::fabs(sx - xhi));
     const double fy = std::max(std::fabs(sy - ylo), std::fabs(sy - yhi));
-    upper = std::min(upper, upper_size(g, std::sqrt(fx * fx + fy * fy), s));
+    const double far_upper = upper_size(g, std::sqrt(fx * fx + fy * fy), s);
+    in_range = in_range && s > 0.0 && far_upper != INFINITY;
+    upper = std::min(upper, far_upper);
     tile.xs.push_back(sx);
     tile.ys.push_back(sy);
     tile.separations.push_back(s);
@@ -269,11 +280,16 @@ void keep_tile_sources(const RunState& state, const FieldBounds& b, double xlo, 
   for (std::size_t k = 0; k < kept; ++k) lowest = std::min(lowest, lowers[k]);
   tile.lo = lowest;
   tile.hi = upper;
+  tile.in_range = in_range;
 }
 
 void bound_tile_at(const RunState& state, const FieldBounds& b, const TileSources& tile, double x, double y,
                    double& lo, double& hi) {
-  bound_from_sources(state, b, tile.xs, tile.ys, tile.separations, x, y, lo, hi);
+  if (tile.in_range) {
+    bound_from_sources<true>(state, b, tile.xs, tile.ys, tile.separations, x, y, lo, hi);
+  } else {
+    bound_from_sources<false>(state, b, tile.xs, tile.ys, tile.separations, x, y, lo, hi);
+  }
 }
 
 }  // namespace tesseramill

@@ -77,6 +77,9 @@ struct TileSources {
   std::vector<double> xs;
   std::vector<double> ys;
   std::vector<double> separations;
+  // Every kept source's upper_size passes its tests of range at every
+  // point of the tile, so that bound_tile_at may skip them.
+  bool in_range = false;
 };
 
 // Keeps of the sources of `bounds` those that can give the smallest size

@@ -44,11 +44,16 @@ inline double lower_size(const Growth& g, double d, double s) {
   return std::max(0.0, algebraic_size(g, d, s) * (1.0 - kRelative) - kAbsolute);
 }
 
+// upper_size where both of its tests of range are known to pass.
+inline double upper_size_in_range(const Growth& g, double d, double s) {
+  return algebraic_size(g, d, s) * (1.0 + kRelative) + kAbsolute;
+}
+
 inline double upper_size(const Growth& g, double d, double s) {
   if (!(d * g.less_one / s <= kLargestSafeA)) return INFINITY;
   const double size = algebraic_size(g, d, s);
   if (!(size <= kLargestSafeA)) return INFINITY;
-  return size * (1.0 + kRelative) + kAbsolute;
+  return upper_size_in_range(g, d, s);
 }
 
 }  // namespace tesseramill

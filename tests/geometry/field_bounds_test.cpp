@@ -583,6 +583,38 @@ TEST(FieldBounds, CellSummariesChangeNoBoundsThroughTiesOnALattice) {
   }
 }
 
+// A source so fine that upper_size's test of range fails at the far side of
+// a tile and passes at its near side: the tile must keep the tests, and
+// its bounds stay those of the rectangle; a source of ordinary size lets
+// the tile skip them, with the same bits.
+TEST(FieldBounds, TilesKeepTheTestsOfRangeWhereASourceLeavesItsRange) {
+  for (const double fine : {1e-299, 10.0}) {
+    RunState state;
+    state_with_sources(state, {0, 0}, {fine});
+    FieldBounds bounds;
+    bound_field(state, -10, 700, -10, 700, bounds);
+    ASSERT_TRUE(bounds.usable);
+    ASSERT_EQ(bounds.xs.size(), 1u);
+    TileSources tile;
+    keep_tile_sources(state, bounds, 0, 600, 0, 600, tile);
+    ASSERT_EQ(tile.xs.size(), 1u);
+    EXPECT_EQ(tile.in_range, fine == 10.0);
+    for (const auto& [x, y] : {std::pair{0.0, 0.0}, std::pair{1.0, 0.0}, std::pair{300.0, 300.0},
+                               std::pair{600.0, 600.0}, std::pair{0.0, 600.0}}) {
+      expect_tile_gives_same_bits(state, bounds, tile, x, y);
+    }
+    if (fine == 10.0) continue;
+    double lo = 0.0;
+    double hi = 0.0;
+    // Out of range the fine source asks for no upper bound, and the cap is
+    // the bound; in range it asks for less than one.
+    bound_tile_at(state, bounds, tile, 600, 600, lo, hi);
+    EXPECT_EQ(hi, 1000.0);
+    bound_tile_at(state, bounds, tile, 1, 0, lo, hi);
+    EXPECT_LT(hi, 1.0);
+  }
+}
+
 // The field's walk with the cells' summaries, which passes over whole cells,
 // against the reference field over every source, and against the same walk
 // without the summaries: anywhere in the domain, on and next to the chain
