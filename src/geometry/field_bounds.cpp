@@ -95,14 +95,14 @@ void bound_field(const RunState& state, double xlo, double xhi, double ylo, doub
   // over below, one by one, with nothing changed.  On the GIS-like divide of
   // 8,000 vertices this leaves 42 of the 124 sources per rectangle to look
   // at, on the family's 311,225 cells 5 of 14.
-  const bool summarised = index.summaries.size() == grid.cell_count() && std::isfinite(xlo) &&
+  const bool summarised = index.summaries.size() == index.xs.size() && std::isfinite(xlo) &&
                           std::isfinite(xhi) && std::isfinite(ylo) && std::isfinite(yhi);
   auto visit_cell = [&](std::int64_t i, std::int64_t j) {
     if (i < 0 || i >= grid.nx || j < 0 || j >= grid.ny) return;
     const std::size_t c = grid.cell(static_cast<std::int32_t>(i), static_cast<std::int32_t>(j));
     if (index.cell_start[c] == index.cell_start[c + 1]) return;
     if (summarised) {
-      const SourceCellSummary& cell = index.summaries[c];
+      const SourceCellSummary& cell = index.summaries[static_cast<std::size_t>(index.cell_start[c])];
       if (lower_size(g, std::sqrt(squared_gap_to_cell(cell, xlo, xhi, ylo, yhi)), cell.least) >= upper) return;
     }
     for (std::int32_t m = index.cell_start[c]; m < index.cell_start[c + 1]; ++m) {

@@ -131,13 +131,13 @@ void walk_rings(const SourceIndex& index, double x, double y, const GrowthConsta
   // test is skipped for other growth rates and points that are no finite
   // numbers.  On the GIS-like divide of 8,000 vertices this leaves 46 of
   // the 135 sources that each seed's fields looked at.
-  const bool summarised = index.summaries.size() == g.cell_count() && k.rise_start >= 1.0 &&
+  const bool summarised = index.summaries.size() == index.xs.size() && k.rise_start >= 1.0 &&
                           k.reciprocal_growth_less_one > 0.0 && std::isfinite(x) && std::isfinite(y);
   auto visit_cell = [&](std::int64_t i, std::int64_t j) {
     const std::size_t c = static_cast<std::size_t>(j * nx + i);
     if (index.cell_start[c] == index.cell_start[c + 1]) return;
     if (summarised) {
-      const SourceCellSummary& cell = index.summaries[c];
+      const SourceCellSummary& cell = index.summaries[static_cast<std::size_t>(index.cell_start[c])];
       if (cell.least >= bound) return;
       const double reach = (bound * k.rise_start - cell.least) * k.reciprocal_growth_less_one * kMargin;
       if (squared_gap_to_cell(cell, x, x, y, y) >= reach * reach) return;

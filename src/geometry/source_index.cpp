@@ -65,23 +65,24 @@ void count_empty_rings(SourceIndex& index) {
   }
 }
 
-// The rectangle and smallest separation of each cell's sources.
+// The rectangle and smallest separation of each cell's sources, kept at the
+// place of the cell's first source.
 void summarise_cells(SourceIndex& index) {
   const std::size_t cells = index.grid.cell_count();
-  index.summaries.assign(cells, SourceCellSummary{});
+  index.summaries.assign(index.xs.size(), SourceCellSummary{});
   for (std::size_t c = 0; c < cells; ++c) {
     const std::int32_t first = index.cell_start[c];
     if (first == index.cell_start[c + 1]) continue;
     const std::size_t at = static_cast<std::size_t>(first);
-    SourceCellSummary& summary = index.summaries[c];
+    SourceCellSummary& summary = index.summaries[at];
     summary = {index.xs[at], index.xs[at], index.ys[at], index.ys[at], index.separations[at]};
     for (std::int32_t m = first + 1; m < index.cell_start[c + 1]; ++m) {
-      const std::size_t at = static_cast<std::size_t>(m);
-      summary.xlo = std::min(summary.xlo, index.xs[at]);
-      summary.xhi = std::max(summary.xhi, index.xs[at]);
-      summary.ylo = std::min(summary.ylo, index.ys[at]);
-      summary.yhi = std::max(summary.yhi, index.ys[at]);
-      summary.least = std::min(summary.least, index.separations[at]);
+      const std::size_t k = static_cast<std::size_t>(m);
+      summary.xlo = std::min(summary.xlo, index.xs[k]);
+      summary.xhi = std::max(summary.xhi, index.xs[k]);
+      summary.ylo = std::min(summary.ylo, index.ys[k]);
+      summary.yhi = std::max(summary.yhi, index.ys[k]);
+      summary.least = std::min(summary.least, index.separations[k]);
     }
   }
 }

@@ -33,11 +33,14 @@ struct SourceIndex {
   // holds a source: the number of rings of cells around it that hold none.
   // kNoSourceNear where no cell holds one.
   std::vector<std::uint16_t> empty_rings;
-  // For each cell, the summary of its sources, so that a walk may pass over
-  // a cell none of whose sources could change its result (see the walks of
-  // local_separation.cpp and field_bounds.cpp); read only for cells that
-  // hold a source.  Empty when not kept: the walks then look at every
-  // source, as they did before the summaries, which the tests compare.
+  // For each cell that holds a source, the summary of its sources, so that
+  // a walk may pass over a cell none of whose sources could change its
+  // result (see the walks of local_separation.cpp and field_bounds.cpp);
+  // that of cell c is kept at the place of its first source,
+  // summaries[cell_start[c]], so that the table grows with the sources
+  // rather than with the cells, most of which hold none.  Empty when not
+  // kept: the walks then look at every source, as they did before the
+  // summaries, which the tests compare.
   std::vector<SourceCellSummary> summaries;
 };
 
