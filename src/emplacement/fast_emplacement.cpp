@@ -281,8 +281,9 @@ bool first_open_in_tile(const ProposalScratch& f, const Grid& g, const TileRange
 // domain index, where point_in_domain gives the winding number's answer,
 // so it gives each of them the first one's.  On the GIS-like divide of
 // 8,000 vertices every such tile is decided so, with 0.4 point tests per
-// seed instead of 9.7.  Otherwise the candidates are tested one by one.  Each candidate is decided alone,
-// so the order of the tests does not matter.
+// seed instead of 9.7.  Otherwise the candidates are tested one by one.
+// Each candidate is decided alone, so the order of the tests does not
+// matter.
 void strike_outside_domain(const RunState& state, ProposalScratch& f, const Grid& g) {
   const double clear = edge_clearance(state.fast_emplacement, f, g);
   for (std::int32_t tj = 0; tj < tiles_per_side(g); ++tj) {
