@@ -249,7 +249,25 @@ double edge_clearance(const FastEmplacement& fe, const ProposalScratch& f, const
   return clear > fe.edge_margin ? clear : 0.0;
 }
 
-bool any_open_in_run(const std::uint8_t* p, std::size_t n);
+// Whether any of the n candidates of a row from p on is open: the flags are
+// 0 or 1, so eight of them are read at once and only compared with zero.
+bool any_open_in_run(const std::uint8_t* p, std::size_t n) {
+  if (n < 8) {
+    for (std::size_t i = 0; i < n; ++i) {
+      if (p[i] != 0) return true;
+    }
+    return false;
+  }
+  std::uint64_t any = 0;
+  for (std::size_t i = 0; i + 8 <= n; i += 8) {
+    std::uint64_t eight = 0;
+    std::memcpy(&eight, p + i, sizeof eight);
+    any |= eight;
+  }
+  std::uint64_t last = 0;
+  std::memcpy(&last, p + n - 8, sizeof last);
+  return (any | last) != 0;
+}
 
 // The first open candidate of a tile in scan order; false when none is.
 // Most tiles are struck whole by now, so each row is first looked at eight
@@ -336,25 +354,6 @@ void strike_run(std::uint8_t* p, std::size_t n) {
   }
 }
 
-// Whether any of the n candidates of a row from p on is open: the flags are
-// 0 or 1, so eight of them are read at once and only compared with zero.
-bool any_open_in_run(const std::uint8_t* p, std::size_t n) {
-  if (n < 8) {
-    for (std::size_t i = 0; i < n; ++i) {
-      if (p[i] != 0) return true;
-    }
-    return false;
-  }
-  std::uint64_t any = 0;
-  for (std::size_t i = 0; i + 8 <= n; i += 8) {
-    std::uint64_t eight = 0;
-    std::memcpy(&eight, p + i, sizeof eight);
-    any |= eight;
-  }
-  std::uint64_t last = 0;
-  std::memcpy(&last, p + n - 8, sizeof last);
-  return (any | last) != 0;
-}
 
 // Strikes at once the candidates of the square inscribed in each listed
 // point's disc of sure strikes.  The squared distance as the literal step

@@ -46,6 +46,32 @@ void outer_extent(const RunState& state, double& xmin, double& xmax, double& ymi
   }
 }
 
+// A random point of the outer boundary's extent, or, when `near_chain`, one
+// within the cap below and left of a random chain point of the outer
+// boundary, where the sources crowd.
+std::pair<double, double> random_corner(Random& random, const RunState& state, bool near_chain) {
+  double xmin, xmax, ymin, ymax;
+  outer_extent(state, xmin, xmax, ymin, ymax);
+  double x = random.uniform(xmin, xmax);
+  double y = random.uniform(ymin, ymax);
+  const std::vector<double>& chain = state.outer_boundary.points;
+  if (near_chain && chain.size() >= 2) {
+    const double largest = state.control.max_centroid_separation;
+    const std::size_t k = static_cast<std::size_t>(random.uniform(0, static_cast<double>(chain.size() / 2)));
+    x = chain[2 * k] - random.uniform(0, largest);
+    y = chain[2 * k + 1] - random.uniform(0, largest);
+  }
+  return {x, y};
+}
+
+// A run state with its chains built, from the GIS-like model of a divide of
+// `vertices` vertices at the growth rate `growth`.
+void gis_state_after_boundaries(RunState& state, int vertices, double growth, tesseramill_test::ScratchDir& dir) {
+  ModelRecipe recipe = tesseramill_bench::gis_model(vertices);
+  recipe.growth = growth;
+  state_after_boundaries(state, recipe, dir);
+}
+
 // Probes rectangles of every size over the domain: corners, random points,
 // and points on the sources themselves.
 void expect_bounds_hold(const RunState& state, std::uint64_t seed, int rectangles, bool some_flat) {
@@ -123,22 +149,12 @@ void expect_tile_gives_same_bits(const RunState& state, const FieldBounds& bound
 // tiles left out, so that a test can tell that the pruning was at work.
 std::size_t expect_tiles_hold(const RunState& state, std::uint64_t seed, int rectangles) {
   Random random(seed);
-  double xmin, xmax, ymin, ymax;
-  outer_extent(state, xmin, xmax, ymin, ymax);
   const double largest = state.control.max_centroid_separation;
-  const std::vector<double>& chain = state.outer_boundary.points;
   FieldBounds bounds;
   TileSources tile;
   std::size_t left_out = 0;
   for (int r = 0; r < rectangles; ++r) {
-    double x = random.uniform(xmin, xmax);
-    double y = random.uniform(ymin, ymax);
-    if (r % 2 == 0 && chain.size() >= 2) {
-      // Near the chains, where the sources crowd.
-      const std::size_t k = static_cast<std::size_t>(random.uniform(0, static_cast<double>(chain.size() / 2)));
-      x = chain[2 * k] - random.uniform(0, largest);
-      y = chain[2 * k + 1] - random.uniform(0, largest);
-    }
+    const auto [x, y] = random_corner(random, state, r % 2 == 0);
     const double w = largest * random.uniform(0.01, 3);
     const double h = largest * random.uniform(0.01, 3);
     bound_field(state, x, x + w, y, y + h, bounds);
@@ -273,10 +289,8 @@ int expect_floor_holds(const RunState& state, std::uint64_t seed, int pairs) {
 TEST(FieldBounds, TheFieldFallsNoFasterThanItsSlope) {
   for (double growth : {1.25, 1.05, 2.0}) {
     tesseramill_test::ScratchDir dir;
-    ModelRecipe recipe = tesseramill_bench::gis_model(400);
-    recipe.growth = growth;
     RunState state;
-    state_after_boundaries(state, recipe, dir);
+    gis_state_after_boundaries(state, 400, growth, dir);
     EXPECT_EQ(expect_floor_holds(state, 51 + static_cast<std::uint64_t>(growth * 100), 4000), 4000);
   }
 }
@@ -477,6 +491,45 @@ TEST(FieldBounds, TilesLeaveOutASourceExactlyAtTheBoundAndGiveTheSameBits) {
   }
 }
 
+// What `work` gives with the source index's cells' summaries set aside, as
+// an index without them: the walks then look at every source.
+template <typename Work>
+auto without_summaries(RunState& state, Work work) {
+  std::vector<SourceCellSummary> summaries;
+  std::swap(summaries, state.source_index.summaries);
+  const auto result = work();
+  std::swap(summaries, state.source_index.summaries);
+  return result;
+}
+
+// bound_field over one rectangle with the summaries and without: the same
+// bounds bit for bit, and the same sources in the same order.  Gives the
+// upper bound.
+double expect_summaries_change_no_bounds_over(RunState& state, double xlo, double xhi, double ylo, double yhi) {
+  FieldBounds with;
+  bound_field(state, xlo, xhi, ylo, yhi, with);
+  const FieldBounds without = without_summaries(state, [&] {
+    FieldBounds bounds;
+    bound_field(state, xlo, xhi, ylo, yhi, bounds);
+    return bounds;
+  });
+  const std::string where =
+      std::to_string(xlo) + ".." + std::to_string(xhi) + " x " + std::to_string(ylo) + ".." + std::to_string(yhi);
+  EXPECT_EQ(with.usable, without.usable) << where;
+  EXPECT_EQ(with.flat, without.flat) << where;
+  EXPECT_EQ(with.caps_vary, without.caps_vary) << where;
+  for (const auto& [a, b, what] : {std::tuple{with.lo, without.lo, "lo"}, std::tuple{with.hi, without.hi, "hi"},
+                                   std::tuple{with.cap, without.cap, "cap"},
+                                   std::tuple{with.cap_lo, without.cap_lo, "cap_lo"}}) {
+    expect_same_bits(a, b, what, xlo, ylo);
+  }
+  EXPECT_EQ(with.xs, without.xs) << where;
+  EXPECT_EQ(with.ys, without.ys) << where;
+  EXPECT_EQ(with.separations, without.separations) << where;
+  EXPECT_EQ(with.lowers, without.lowers) << where;
+  return with.hi;
+}
+
 // bound_field with the cells' summaries, which let its walk pass over whole
 // cells, against the walk over every source of every cell: the same
 // bounds, bit for bit, and the same sources in the same order.  Rectangles
@@ -486,44 +539,14 @@ TEST(FieldBounds, TilesLeaveOutASourceExactlyAtTheBoundAndGiveTheSameBits) {
 // near and far are weighed and the summaries pass over cells.
 int expect_summaries_change_no_bounds(RunState& state, std::uint64_t seed, int rectangles) {
   Random random(seed);
-  double xmin, xmax, ymin, ymax;
-  outer_extent(state, xmin, xmax, ymin, ymax);
   const double largest = state.control.max_centroid_separation;
-  const std::vector<double>& chain = state.outer_boundary.points;
   EXPECT_EQ(state.source_index.summaries.size(), state.source_index.xs.size());
-  FieldBounds with;
-  FieldBounds without;
   int graded = 0;
   for (int r = 0; r < rectangles; ++r) {
-    double x = random.uniform(xmin, xmax);
-    double y = random.uniform(ymin, ymax);
-    if (r % 2 == 0 && chain.size() >= 2) {
-      const std::size_t k = static_cast<std::size_t>(random.uniform(0, static_cast<double>(chain.size() / 2)));
-      x = chain[2 * k] - random.uniform(0, largest);
-      y = chain[2 * k + 1] - random.uniform(0, largest);
-    }
+    const auto [x, y] = random_corner(random, state, r % 2 == 0);
     const double w = r % 7 == 0 ? 0.0 : largest * random.uniform(0.001, 3);
     const double h = r % 7 == 0 ? 0.0 : largest * random.uniform(0.001, 3);
-    bound_field(state, x, x + w, y, y + h, with);
-    std::vector<SourceCellSummary> summaries;
-    std::swap(summaries, state.source_index.summaries);
-    bound_field(state, x, x + w, y, y + h, without);
-    std::swap(summaries, state.source_index.summaries);
-    const std::string where = std::to_string(x) + " " + std::to_string(y) + " " + std::to_string(w) + " " +
-                              std::to_string(h);
-    EXPECT_EQ(with.usable, without.usable) << where;
-    EXPECT_EQ(with.flat, without.flat) << where;
-    EXPECT_EQ(with.caps_vary, without.caps_vary) << where;
-    for (const auto& [a, b, what] : {std::tuple{with.lo, without.lo, "lo"}, std::tuple{with.hi, without.hi, "hi"},
-                                     std::tuple{with.cap, without.cap, "cap"},
-                                     std::tuple{with.cap_lo, without.cap_lo, "cap_lo"}}) {
-      expect_same_bits(a, b, what, x, y);
-    }
-    EXPECT_EQ(with.xs, without.xs) << where;
-    EXPECT_EQ(with.ys, without.ys) << where;
-    EXPECT_EQ(with.separations, without.separations) << where;
-    EXPECT_EQ(with.lowers, without.lowers) << where;
-    if (with.hi < largest) ++graded;
+    if (expect_summaries_change_no_bounds_over(state, x, x + w, y, y + h) < largest) ++graded;
   }
   return graded;
 }
@@ -531,10 +554,8 @@ int expect_summaries_change_no_bounds(RunState& state, std::uint64_t seed, int r
 TEST(FieldBounds, CellSummariesChangeNoBoundsAlongADigitisedDivideAndARiver) {
   for (double growth : {1.25, 1.05, 2.0}) {
     tesseramill_test::ScratchDir dir;
-    ModelRecipe recipe = tesseramill_bench::gis_model(2000);
-    recipe.growth = growth;
     RunState state;
-    state_after_boundaries(state, recipe, dir);
+    gis_state_after_boundaries(state, 2000, growth, dir);
     EXPECT_GT(expect_summaries_change_no_bounds(state, 61 + static_cast<std::uint64_t>(growth * 100), 1500), 300);
   }
 }
@@ -553,8 +574,6 @@ TEST(FieldBounds, CellSummariesChangeNoBoundsOnTheFamily) {
 TEST(FieldBounds, CellSummariesChangeNoBoundsThroughTiesOnALattice) {
   Random random(34);
   RunState state;
-  FieldBounds with;
-  FieldBounds without;
   for (int trial = 0; trial < 300; ++trial) {
     std::vector<double> coords;
     std::vector<double> separations;
@@ -568,17 +587,7 @@ TEST(FieldBounds, CellSummariesChangeNoBoundsThroughTiesOnALattice) {
     state.control.max_centroid_separation = 100.0;
     build_source_index(state);
     for (int x = -500; x <= 500; x += 125) {
-      for (int y = -500; y <= 500; y += 125) {
-        bound_field(state, x, x + 40, y, y + 40, with);
-        std::vector<SourceCellSummary> summaries;
-        std::swap(summaries, state.source_index.summaries);
-        bound_field(state, x, x + 40, y, y + 40, without);
-        std::swap(summaries, state.source_index.summaries);
-        expect_same_bits(with.lo, without.lo, "lo", x, y);
-        expect_same_bits(with.hi, without.hi, "hi", x, y);
-        ASSERT_EQ(with.xs, without.xs) << trial << " " << x << " " << y;
-        ASSERT_EQ(with.lowers, without.lowers) << trial << " " << x << " " << y;
-      }
+      for (int y = -500; y <= 500; y += 125) expect_summaries_change_no_bounds_over(state, x, x + 40, y, y + 40);
     }
   }
 }
@@ -641,10 +650,7 @@ TEST(LocalSeparationFastPath, CellSummariesGiveTheReferenceBitsAlongADigitisedDi
         y = chain[2 * k + 1] + (n % 6 == 0 ? 0.0 : random.uniform(-200, 200));
       }
       const double fast = local_separation(state, x, y, growth);
-      std::vector<SourceCellSummary> summaries;
-      std::swap(summaries, state.source_index.summaries);
-      const double walked = local_separation(state, x, y, growth);
-      std::swap(summaries, state.source_index.summaries);
+      const double walked = without_summaries(state, [&] { return local_separation(state, x, y, growth); });
       const double reference = local_separation_reference(state, x, y, growth);
       if (std::memcmp(&fast, &reference, sizeof fast) != 0 || std::memcmp(&fast, &walked, sizeof fast) != 0) {
         if (++differences <= 5) ADD_FAILURE() << x << " " << y << ": " << fast << " " << walked << " " << reference;
