@@ -515,15 +515,16 @@ void strike_near_segments(const RunState& state, const SegmentIndex& segments, P
       line[3] = INFINITY;
     }
   }
-  // Tile by tile, each candidate against the segments that can reach its
-  // tile.  The true distance from a segment to any point of a tile is at
-  // least the gap between the segment's bounding box and the tile's
-  // rectangle, and the gap as rounded here is off by far less than the
-  // margin in `reach`; so a segment whose gap exceeds `reach` lies farther
-  // than the field's upper bound from every candidate of the tile, as
-  // distance_to_segment rounds it, and strikes none of them.  Each
-  // candidate is decided alone, so taking them tile by tile changes
-  // nothing.
+  // Tile by tile, each open candidate against the segments that can reach
+  // its tile; a tile with none open is passed over before its segments are
+  // sought (on the divide of 8,000 vertices, 9 in 10 of the tiles).  The
+  // true distance from a segment to any point of a tile is at least the gap
+  // between the segment's bounding box and the tile's rectangle, and the
+  // gap as rounded here is off by far less than the margin in `reach`; so a
+  // segment whose gap exceeds `reach` lies farther than the field's upper
+  // bound from every candidate of the tile, as distance_to_segment rounds
+  // it, and strikes none of them.  Each candidate is decided alone, so
+  // taking them tile by tile, and from the first open one, changes nothing.
   for (std::int32_t tj = 0; tj < tiles_per_side(g); ++tj) {
     for (std::int32_t ti = 0; ti < tiles_per_side(g); ++ti) {
       const TileRange r = tile_range(g, ti, tj);
@@ -531,6 +532,9 @@ void strike_near_segments(const RunState& state, const SegmentIndex& segments, P
       const double txhi = g.x(r.k1);
       const double tylo = g.y(r.j0);
       const double tyhi = g.y(r.j1);
+      std::int32_t k_first = 0;
+      std::int32_t j_first = 0;
+      if (!first_open_in_tile(f, g, r, k_first, j_first)) continue;
       f.tile_segments.clear();
       for (std::size_t i = 0; i < f.close_segments.size(); ++i) {
         const double* e = &ends[4 * static_cast<std::size_t>(f.close_segments[i])];
@@ -539,8 +543,8 @@ void strike_near_segments(const RunState& state, const SegmentIndex& segments, P
         if (!(std::max(gap_x, gap_y) > reach)) f.tile_segments.push_back(static_cast<std::int32_t>(i));
       }
       if (f.tile_segments.empty()) continue;
-      for (std::int32_t j = r.j0; j <= r.j1; ++j) {
-        for (std::int32_t k = r.k0; k <= r.k1; ++k) {
+      for (std::int32_t j = j_first; j <= r.j1; ++j) {
+        for (std::int32_t k = j == j_first ? k_first : r.k0; k <= r.k1; ++k) {
           if (f.open[g.at(k, j)] == 0) continue;
           for (std::int32_t i : f.tile_segments) {
             const double* line = &f.segment_lines[4 * static_cast<std::size_t>(i)];
@@ -836,6 +840,10 @@ void propose_fast(const RunState& state, ProposalScratch& f, const PointView& vi
   }
 
   strike_near_points(state, f, g, h, x0, y0);
+  // The steps after this only strike candidates, and with none open the
+  // choice finds nothing: about half the seeds end here, on the GIS-like
+  // divides and on the family alike.
+  if (!any_open_in_run(f.open.data(), candidates)) return;
   strike_near_segments(state, state.fast_emplacement.segments, f, g);
   if (domain != kInside) strike_outside_domain(state, f, g);
   // Isolated candidates inside the rim, twice, exactly as the literal step;
