@@ -445,25 +445,43 @@ void strike_near_points(const RunState& state, ProposalScratch& f, const Grid& g
       row_size += limit_hi > dy2 ? 1 : 0;
     }
     std::size_t first = 0;
+    const std::size_t row_tiles = static_cast<std::size_t>((j + g.half) / kTileSide * tiles_per_side(g));
     for (std::int32_t k = -g.half; k <= g.half; ++k) {
       if (f.open[g.at(k, j)] == 0) continue;
       const double x = g.x(k);
       while (first < row_size && f.row_x[first] < x - window) ++first;
+      // Once the candidate's tile is kept its bounds hold at the candidate
+      // too, and they are narrower than the rectangle's: the clearance
+      // rises with s, rounding included, so a point closer than the
+      // clearance of the tile's lower bound strikes the candidate, and none
+      // as far as that of its upper bound does.  A point at least that far
+      // in x lies at least that far, as adding dy * dy cannot lower a
+      // rounded sum, and so do the points after it, sorted by x: the
+      // nearest point that can strike lies before them, and a candidate
+      // whose nearest point lies farther is struck by none.
+      double near_lo = limit_lo;
+      double near_hi = limit_hi;
+      const std::size_t t = row_tiles + static_cast<std::size_t>((k + g.half) / kTileSide);
+      if (f.tile_kept[t] != 0) {
+        near_lo = std::max(near_lo, clearance(f.tiles[t].lo));
+        near_hi = std::min(near_hi, clearance(f.tiles[t].hi));
+      }
       bool struck = false;
       double d2min = INFINITY;
       for (std::size_t q = first; q < row_size && f.row_x[q] <= x + window; ++q) {
         const double dx = x - f.row_x[q];
+        if (dx < 0.0 && !(near_hi > dx * dx)) break;
         const double d2 = dx * dx + f.row_dy2[q];
         // A point's own limit strikes only candidates that the rectangle's
         // upper bound lets it reach, so the points left out of the row
         // above strike none by it either.
-        if (limit_lo > d2 || f.row_strike[q] > d2) {
+        if (near_lo > d2 || f.row_strike[q] > d2) {
           struck = true;
           break;
         }
         d2min = std::min(d2min, d2);
       }
-      if (!struck && limit_hi > d2min) struck = struck_by_point(state, f, g, k, j, d2min);
+      if (!struck && near_hi > d2min) struck = struck_by_point(state, f, g, k, j, d2min);
       if (struck) f.open[g.at(k, j)] = 0;
     }
   }
