@@ -236,12 +236,11 @@ void keep_tile_sources(const RunState& state, const FieldBounds& b, double xlo, 
   tile.xs.clear();
   tile.ys.clear();
   tile.separations.clear();
+  tile.lowers.clear();
   Growth g;
   growth_for(state.control.poly_growth_rate, g);
   double upper = b.cap;
-  // The lowers of the sources kept so far, for the last sweep below.
-  thread_local std::vector<double> lowers;
-  lowers.clear();
+  std::vector<double>& lowers = tile.lowers;
   // Whether every source kept has a positive separation and passes
   // upper_size's tests of range at the tile's corner farthest from it.  It
   // then passes them at every point P of the tile: the rounded distance

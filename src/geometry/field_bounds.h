@@ -77,6 +77,8 @@ struct TileSources {
   std::vector<double> xs;
   std::vector<double> ys;
   std::vector<double> separations;
+  // Each kept source's lower bound over the whole tile.
+  std::vector<double> lowers;
   // Every kept source's upper_size passes its tests of range at every
   // point of the tile, so that bound_tile_at may skip them.
   bool in_range = false;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <type_traits>
 #include <vector>
 
 #include "common/correctly_rounded.h"
@@ -47,6 +48,9 @@ GrowthConstants constants_for(double growth) {
 
 // The run calls the field with one growth rate throughout, so its constants
 // are worked out once and kept, by each thread that asks for the field.
+// Plain numbers only: the Windows build's emulated thread-local storage may
+// be released before a thread-local destructor runs.
+static_assert(std::is_trivially_destructible_v<GrowthConstants>);
 const GrowthConstants& cached_constants_for(double growth) {
   thread_local GrowthConstants cached = constants_for(2.0);
   if (cached.growth != growth) cached = constants_for(growth);
@@ -206,8 +210,16 @@ struct NearSource {
 // sweep plays no part.
 void fold_indexed_bounded(const SourceIndex& index, double x, double y, const GrowthConstants& k, const Growth& g,
                           double& result) {
-  thread_local std::vector<NearSource> near;
-  near.clear();
+  // The first sweep's sources are kept on the stack while they are few, as
+  // they nearly always are, and the rest in a vector of this call's own.
+  // (Not in a thread_local vector: the Windows build emulates thread-local
+  // storage and may release it before a thread-local object's destructor
+  // runs when the thread ends, so that the destructor frees whatever the
+  // released storage then holds.)
+  constexpr std::size_t kOnStack = 64;
+  NearSource on_stack[kOnStack];
+  std::vector<NearSource> spilled;
+  std::size_t count = 0;
   double upper = result;
   walk_rings(index, x, y, k, upper, [&](double sx, double sy, double s) {
     if (s >= upper) return;
@@ -220,9 +232,15 @@ void fold_indexed_bounded(const SourceIndex& index, double x, double y, const Gr
     const double lower = lower_size(g, d, s);
     if (lower >= upper) return;
     upper = std::min(upper, upper_size(g, d, s));
-    near.push_back({d, s, lower});
+    if (count < kOnStack) {
+      on_stack[count] = {d, s, lower};
+    } else {
+      spilled.push_back({d, s, lower});
+    }
+    ++count;
   });
-  for (const NearSource& n : near) {
+  for (std::size_t i = 0; i < count; ++i) {
+    const NearSource& n = i < kOnStack ? on_stack[i] : spilled[i - kOnStack];
     if (n.lower >= upper || n.s >= result) continue;
     result = std::min(result, flat_or_source_size(k, n.d, n.s));
   }

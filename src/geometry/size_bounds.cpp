@@ -1,5 +1,7 @@
 #include "geometry/size_bounds.h"
 
+#include <type_traits>
+
 #include "common/correctly_rounded.h"
 
 namespace tesseramill {
@@ -18,7 +20,9 @@ bool work_out_growth(double growth, Growth& g) {
 }  // namespace
 
 // The run keeps one growth rate, and the bounds are asked for at every
-// point, so the constants are kept from call to call.
+// point, so the constants are kept from call to call, as plain numbers (see
+// cached_constants_for in local_separation.cpp).
+static_assert(std::is_trivially_destructible_v<Growth>);
 bool growth_for(double growth, Growth& g) {
   thread_local double cached_rate = 0.0;
   thread_local Growth cached{};

@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <filesystem>
+#include <fstream>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "common/parallel.h"
@@ -88,6 +91,35 @@ TEST(RunInParts, AnExceptionOfTheHelperReachesTheCaller) {
                               return PartFailure{};
                             }),
                std::runtime_error);
+}
+
+// The Windows build emulates thread-local storage, which may be released
+// before a thread-local object's destructor runs when a thread ends: the
+// thread_local vectors of the field's bounds crashed the mesher there now
+// and then, their destructors freeing a stale pointer as the threads of
+// interior emplacement ended.  So every thread_local of the programs holds
+// plain values only (numbers and structs of numbers), never an object of
+// the standard library.
+TEST(ThreadLocalStorage, HoldsNoObjectWithADestructor) {
+  namespace fs = std::filesystem;
+  int declarations = 0;
+  std::string offending;
+  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(fs::path(TESSERAMILL_SOURCE_DIR) / "src")) {
+    const std::string extension = entry.path().extension().string();
+    if (extension != ".cpp" && extension != ".h") continue;
+    std::ifstream in(entry.path());
+    std::string line;
+    for (int number = 1; std::getline(in, line); ++number) {
+      const std::string code = line.substr(0, line.find("//"));
+      if (code.find("thread_local") == std::string::npos) continue;
+      ++declarations;
+      if (code.find("std::") != std::string::npos) {
+        offending += entry.path().filename().string() + ":" + std::to_string(number) + ": " + line + "\n";
+      }
+    }
+  }
+  EXPECT_GE(declarations, 4);  // the growth rate's constants, cached per thread
+  EXPECT_EQ(offending, "");
 }
 
 }  // namespace
