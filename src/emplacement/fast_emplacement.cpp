@@ -505,34 +505,20 @@ void strike_near_segments(const RunState& state, const SegmentIndex& segments, P
     std::iota(f.close_segments.begin(), f.close_segments.end(), 0);
   }
   if (f.close_segments.empty()) return;
-  // Each close segment's line as nx x + ny y = c, (nx, ny) of length one,
-  // and a distance from the line beyond which the segment cannot strike.
+  // A distance from a segment's line beyond which the segment cannot
+  // strike: the cut-off below plus the line's slack (SegmentIndex::lines).
   // The distance from the line, as rounded below, is off by far less than
-  // 1e-12 of the coordinates' sizes from the true one, which is at most
-  // the true distance from the segment; that in turn is off by far less
-  // than 1e-9 of its own size and of the grid's from distance_to_segment's.
-  // So beyond the cut-off from the line distance_to_segment gives at least
-  // the field's upper bound, and struck_by_segment passes the candidate
-  // over.  A segment too short to have a line is never passed over so.
-  // On the GIS-like divide of 8,000 vertices 7 in 10 of the distances
-  // worked out were past the upper bound.
+  // the slack, 1e-12 of the coordinates' sizes, from the true one, which is
+  // at most the true distance from the segment; that in turn is off by far
+  // less than 1e-9 of its own size and of the grid's from
+  // distance_to_segment's.  So beyond the cut-off and the slack
+  // distance_to_segment gives at least the field's upper bound, and
+  // struck_by_segment passes the candidate over.  A segment without a line
+  // has an infinite slack and is never passed over so; nor is any where
+  // the cut-off is no finite number.  On the GIS-like divide of 8,000
+  // vertices 7 in 10 of the distances worked out were past the upper bound.
   const double size = std::fabs(xlo) + std::fabs(xhi) + std::fabs(ylo) + std::fabs(yhi);
   const double cut = f.field.hi * (1.0 + 1e-8) + 1e-8 * size;
-  f.segment_lines.resize(4 * f.close_segments.size());
-  for (std::size_t i = 0; i < f.close_segments.size(); ++i) {
-    const double* e = &ends[4 * static_cast<std::size_t>(f.close_segments[i])];
-    double* line = &f.segment_lines[4 * i];
-    const double dx = e[2] - e[0];
-    const double dy = e[3] - e[1];
-    const double length = std::sqrt(dx * dx + dy * dy);
-    line[0] = -dy / length;
-    line[1] = dx / length;
-    line[2] = line[0] * e[0] + line[1] * e[1];
-    line[3] = cut + 1e-12 * (std::fabs(e[0]) + std::fabs(e[1]) + std::fabs(e[2]) + std::fabs(e[3]));
-    if (!(length > 1e-100 && length < 1e100 && std::isfinite(line[2]) && std::isfinite(line[3]))) {
-      line[3] = INFINITY;
-    }
-  }
   // Tile by tile, each open candidate against the segments that can reach
   // its tile; a tile with none open is passed over before its segments are
   // sought (on the divide of 8,000 vertices, 9 in 10 of the tiles).  The
@@ -554,20 +540,20 @@ void strike_near_segments(const RunState& state, const SegmentIndex& segments, P
       std::int32_t j_first = 0;
       if (!first_open_in_tile(f, g, r, k_first, j_first)) continue;
       f.tile_segments.clear();
-      for (std::size_t i = 0; i < f.close_segments.size(); ++i) {
-        const double* e = &ends[4 * static_cast<std::size_t>(f.close_segments[i])];
+      for (std::int32_t s : f.close_segments) {
+        const double* e = &ends[4 * static_cast<std::size_t>(s)];
         const double gap_x = std::max({std::min(e[0], e[2]) - txhi, txlo - std::max(e[0], e[2]), 0.0});
         const double gap_y = std::max({std::min(e[1], e[3]) - tyhi, tylo - std::max(e[1], e[3]), 0.0});
-        if (!(std::max(gap_x, gap_y) > reach)) f.tile_segments.push_back(static_cast<std::int32_t>(i));
+        if (!(std::max(gap_x, gap_y) > reach)) f.tile_segments.push_back(s);
       }
       if (f.tile_segments.empty()) continue;
       for (std::int32_t j = j_first; j <= r.j1; ++j) {
         for (std::int32_t k = j == j_first ? k_first : r.k0; k <= r.k1; ++k) {
           if (f.open[g.at(k, j)] == 0) continue;
-          for (std::int32_t i : f.tile_segments) {
-            const double* line = &f.segment_lines[4 * static_cast<std::size_t>(i)];
-            if (std::fabs(line[0] * g.x(k) + line[1] * g.y(j) - line[2]) > line[3]) continue;
-            const double* e = &ends[4 * static_cast<std::size_t>(f.close_segments[static_cast<std::size_t>(i)])];
+          for (std::int32_t s : f.tile_segments) {
+            const double* line = &segments.lines[4 * static_cast<std::size_t>(s)];
+            if (std::fabs(line[0] * g.x(k) + line[1] * g.y(j) - line[2]) > cut + line[3]) continue;
+            const double* e = &ends[4 * static_cast<std::size_t>(s)];
             const double distance = distance_to_segment(g.x(k), g.y(j), e[0], e[1], e[2], e[3]);
             if (struck_by_segment(state, f, g, k, j, distance)) {
               f.open[g.at(k, j)] = 0;
@@ -717,6 +703,7 @@ void start_fast_emplacement(RunState& state) {
       }
     }
   }
+  segment_lines(f.segments);
   f.ready = true;
 }
 

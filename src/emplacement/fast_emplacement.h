@@ -44,8 +44,7 @@ struct alignas(64) ProposalScratch {
   std::vector<double> exact;
   std::vector<std::int32_t> exact_set;  // the candidates whose exact separation is in `exact`
   std::vector<std::int32_t> close_segments;
-  std::vector<std::int32_t> tile_segments;  // places in close_segments of those that can reach one tile
-  std::vector<double> segment_lines;        // nx, ny, c and a cut-off for each of close_segments
+  std::vector<std::int32_t> tile_segments;  // of close_segments, those that can reach one tile
   std::vector<std::int32_t> open_list;
   std::vector<double> seed_term;
 };

@@ -63,6 +63,25 @@ void build_segment_index(SegmentIndex& index, const std::vector<const double*>& 
   index.built = true;
 }
 
+void segment_lines(SegmentIndex& index) {
+  const std::vector<double>& ends = index.ends;
+  index.lines.resize(ends.size());
+  for (std::size_t i = 0; i + 4 <= ends.size(); i += 4) {
+    const double* e = &ends[i];
+    double* line = &index.lines[i];
+    const double dx = e[2] - e[0];
+    const double dy = e[3] - e[1];
+    const double length = std::sqrt(dx * dx + dy * dy);
+    line[0] = -dy / length;
+    line[1] = dx / length;
+    line[2] = line[0] * e[0] + line[1] * e[1];
+    line[3] = 1e-12 * (std::fabs(e[0]) + std::fabs(e[1]) + std::fabs(e[2]) + std::fabs(e[3]));
+    if (!(length > 1e-100 && length < 1e100 && std::isfinite(line[2]) && std::isfinite(line[3]))) {
+      line[3] = INFINITY;
+    }
+  }
+}
+
 void segments_near(const SegmentIndex& index, double xlo, double xhi, double ylo, double yhi, double reach,
                    std::vector<std::int32_t>& out) {
   out.clear();

@@ -15,6 +15,11 @@ struct SegmentIndex {
   // Each segment's ends, x1, y1, x2, y2, numbered in the order of the rings
   // and of their vertices.
   std::vector<double> ends;
+  // Each segment's line as nx x + ny y = c, (nx, ny) of length one, and a
+  // slack of 1e-12 of its ends' sizes, against which the distance from the
+  // line may be weighed (see segment_lines); the slack is INFINITY for a
+  // segment too short, too long or too far out to have a line worth one.
+  std::vector<double> lines;
   // The segments that pass through cell c: cell_segments[cell_start[c] .. cell_start[c+1]).
   std::vector<std::int32_t> cell_start;
   std::vector<std::int32_t> cell_segments;
@@ -25,6 +30,9 @@ struct SegmentIndex {
 // number; callers then look at every segment.
 void build_segment_index(SegmentIndex& index, const std::vector<const double*>& rings,
                          const std::vector<std::int32_t>& counts);
+
+// Works out `lines` from `ends`, four values a segment.
+void segment_lines(SegmentIndex& index);
 
 // The numbers of every segment that comes within `reach` of the rectangle,
 // and possibly of a few more, in ascending order and each once.

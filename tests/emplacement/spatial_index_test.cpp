@@ -93,6 +93,20 @@ TEST(MeshPointIndex, ListsWhatAScanLists) {
   }
 }
 
+// Each segment's line of unit normal with its slack; segments of no length,
+// of a length past 1e100 and with an end that is no number have no line.
+TEST(SegmentIndex, GivesEachSegmentItsLineAndSlack) {
+  SegmentIndex index;
+  index.ends = {0, 0, 3, 4,  10, 2, 10, -6,  5, 5, 5, 5,  0, 0, 1e101, 0,  0, 0, NAN, 1};
+  segment_lines(index);
+  ASSERT_EQ(index.lines.size(), 20u);
+  const std::vector<double> first(index.lines.begin(), index.lines.begin() + 8);
+  EXPECT_EQ(first, (std::vector<double>{-0.8, 0.6, 0.0, 1e-12 * 7.0, 1.0, 0.0, 10.0, 1e-12 * 28.0}));
+  EXPECT_EQ(index.lines[11], INFINITY);
+  EXPECT_EQ(index.lines[15], INFINITY);
+  EXPECT_EQ(index.lines[19], INFINITY);
+}
+
 TEST(SegmentIndex, FindsEverySegmentWithinReach) {
   Random random(32);
   std::vector<double> ring;
