@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "geometry/cell_grid.h"
+#include "geometry/segment_index.h"
 
 namespace tesseramill {
 
@@ -76,6 +77,10 @@ struct DomainIndex {
   RingIndex outer;
   std::vector<RingIndex> holes;
   std::vector<RingIndex> polygons;
+  // The segments of the outer boundary and of each hole by place, for the
+  // clearance of the inner lines' points.
+  SegmentIndex outer_segments;
+  std::vector<SegmentIndex> hole_segments;
 };
 
 }  // namespace tesseramill

@@ -8,9 +8,6 @@ namespace tesseramill {
 namespace {
 
 constexpr std::int32_t kCellsPerSide = 256;
-// Share of a cell by which segments are widened when they are placed in
-// cells, and rectangles when they are looked up, against rounding.
-constexpr double kCellSlack = 0.01;
 
 }  // namespace
 
@@ -28,6 +25,7 @@ void build_segment_index(SegmentIndex& index, const std::vector<const double*>& 
         if (!std::isfinite(v[c])) return;
       }
       index.ends.insert(index.ends.end(), {v[0], v[1], v[2], v[3]});
+      for (int c = 0; c < 4; ++c) index.magnitude = std::max(index.magnitude, std::fabs(v[c]));
       xmin = std::min({xmin, v[0], v[2]});
       xmax = std::max({xmax, v[0], v[2]});
       ymin = std::min({ymin, v[1], v[3]});
@@ -49,7 +47,7 @@ void build_segment_index(SegmentIndex& index, const std::vector<const double*>& 
   index.cell_start.assign(cells + 1, 0);
   auto walk = [&](std::int32_t s, auto visit) {
     const double* e = &index.ends[4 * static_cast<std::size_t>(s)];
-    for_each_cell_along_segment(g, e[0], e[1], e[2], e[3], kCellSlack * g.h, visit);
+    for_each_cell_along_segment(g, e[0], e[1], e[2], e[3], kSegmentCellSlack * g.h, visit);
   };
   for (std::int32_t s = 0; s < segments; ++s) {
     walk(s, [&](std::int32_t i, std::int32_t j) { index.cell_start[g.cell(i, j) + 1] += 1; });
@@ -85,26 +83,10 @@ void segment_lines(SegmentIndex& index) {
 void segments_near(const SegmentIndex& index, double xlo, double xhi, double ylo, double yhi, double reach,
                    std::vector<std::int32_t>& out) {
   out.clear();
-  const CellGrid& g = index.grid;
-  // The point of a segment nearest the rectangle lies in the rectangle
-  // widened by `reach`, and the segment is listed in that point's cell.
-  const double widen = reach + kCellSlack * g.h;
-  const double fi0 = g.column_of(xlo - widen);
-  const double fi1 = g.column_of(xhi + widen);
-  const double fj0 = g.row_of(ylo - widen);
-  const double fj1 = g.row_of(yhi + widen);
-  if (fi1 < 0.0 || fi0 >= g.nx || fj1 < 0.0 || fj0 >= g.ny) return;
-  const std::int32_t i0 = clamp_index(fi0, g.nx);
-  const std::int32_t i1 = clamp_index(fi1, g.nx);
-  const std::int32_t j0 = clamp_index(fj0, g.ny);
-  const std::int32_t j1 = clamp_index(fj1, g.ny);
-  for (std::int32_t j = j0; j <= j1; ++j) {
-    for (std::int32_t i = i0; i <= i1; ++i) {
-      const std::size_t c = g.cell(i, j);
-      out.insert(out.end(), index.cell_segments.begin() + index.cell_start[c],
-                 index.cell_segments.begin() + index.cell_start[c + 1]);
-    }
-  }
+  any_segment_near(index, xlo, xhi, ylo, yhi, reach, [&](std::int32_t s) {
+    out.push_back(s);
+    return false;
+  });
   std::sort(out.begin(), out.end());
   out.erase(std::unique(out.begin(), out.end()), out.end());
 }

@@ -15,6 +15,8 @@ struct SegmentIndex {
   // Each segment's ends, x1, y1, x2, y2, numbered in the order of the rings
   // and of their vertices.
   std::vector<double> ends;
+  // The largest magnitude of any end's coordinate.
+  double magnitude = 0.0;
   // Each segment's line as nx x + ny y = c, (nx, ny) of length one, and a
   // slack of 1e-12 of its ends' sizes, against which the distance from the
   // line may be weighed (see segment_lines); the slack is INFINITY for a
@@ -38,5 +40,43 @@ void segment_lines(SegmentIndex& index);
 // and possibly of a few more, in ascending order and each once.
 void segments_near(const SegmentIndex& index, double xlo, double xhi, double ylo, double yhi, double reach,
                    std::vector<std::int32_t>& out);
+
+// Calls visit(s) for the same segments as segments_near, cell by cell, so
+// that a segment may come more than once and in no particular order, until
+// visit returns true; tells whether it did.
+template <typename Visit>
+bool any_segment_near(const SegmentIndex& index, double xlo, double xhi, double ylo, double yhi, double reach,
+                      Visit visit);
+
+// Share of a cell by which segments are widened when they are placed in
+// cells, and rectangles when they are looked up, against rounding.
+inline constexpr double kSegmentCellSlack = 0.01;
+
+template <typename Visit>
+bool any_segment_near(const SegmentIndex& index, double xlo, double xhi, double ylo, double yhi, double reach,
+                      Visit visit) {
+  const CellGrid& g = index.grid;
+  // The point of a segment nearest the rectangle lies in the rectangle
+  // widened by `reach`, and the segment is listed in that point's cell.
+  const double widen = reach + kSegmentCellSlack * g.h;
+  const double fi0 = g.column_of(xlo - widen);
+  const double fi1 = g.column_of(xhi + widen);
+  const double fj0 = g.row_of(ylo - widen);
+  const double fj1 = g.row_of(yhi + widen);
+  if (fi1 < 0.0 || fi0 >= g.nx || fj1 < 0.0 || fj0 >= g.ny) return false;
+  const std::int32_t i0 = clamp_index(fi0, g.nx);
+  const std::int32_t i1 = clamp_index(fi1, g.nx);
+  const std::int32_t j0 = clamp_index(fj0, g.ny);
+  const std::int32_t j1 = clamp_index(fj1, g.ny);
+  for (std::int32_t j = j0; j <= j1; ++j) {
+    for (std::int32_t i = i0; i <= i1; ++i) {
+      const std::size_t c = g.cell(i, j);
+      for (std::int32_t m = index.cell_start[c]; m < index.cell_start[c + 1]; ++m) {
+        if (visit(index.cell_segments[static_cast<std::size_t>(m)])) return true;
+      }
+    }
+  }
+  return false;
+}
 
 }  // namespace tesseramill
