@@ -109,13 +109,14 @@ struct RunTree {
 RunTree build_run_tree(const Ring& r, std::int32_t n) {
   RunTree tree;
   tree.n = n;
-  const std::int32_t runs = (n + kRun - 1) / kRun;
+  const std::int32_t runs = static_cast<std::int32_t>((std::int64_t{n} + kRun - 1) / kRun);
   while (tree.leaves < runs) tree.leaves *= 2;
   tree.boxes.assign(2 * static_cast<std::size_t>(tree.leaves), Box{});
   for (std::int32_t b = 0; b < runs; ++b) {
     Box& box = tree.boxes[static_cast<std::size_t>(tree.leaves + b)];
-    const std::int32_t last = std::min(n, (b + 1) * kRun + 1);
-    for (std::int32_t k = b * kRun + 1; k <= last; ++k) {
+    const std::int32_t first = static_cast<std::int32_t>(std::int64_t{b} * kRun + 1);
+    const std::int32_t last = static_cast<std::int32_t>(std::min<std::int64_t>(n, (std::int64_t{b} + 1) * kRun + 1));
+    for (std::int32_t k = first; k <= last; ++k) {
       const Vertex v = r.vertex(k);
       box.add(Box{v.x, v.x, v.y, v.y});
     }
@@ -132,13 +133,16 @@ RunTree build_run_tree(const Ring& r, std::int32_t n) {
 template <typename Passes, typename Test>
 bool first_failure(const RunTree& tree, std::int32_t from, std::int32_t to, Passes passes, Test test) {
   if (from > to) return false;
+  // The numbers a node covers are worked out in 64 bits: the last leaves
+  // of a ring of more than 2^30 vertices reach past 2^31.
   auto walk = [&](auto& self, std::int32_t t, std::int32_t first_leaf, std::int32_t leaf_count) -> bool {
-    const std::int32_t lo = first_leaf * kRun + 1;
-    const std::int32_t hi = (first_leaf + leaf_count) * kRun;
+    const std::int64_t lo = std::int64_t{first_leaf} * kRun + 1;
+    const std::int64_t hi = (std::int64_t{first_leaf} + leaf_count) * kRun;
     if (hi < from || lo > to) return false;
     if (passes(tree.boxes[static_cast<std::size_t>(t)])) return false;
     if (leaf_count == 1) {
-      for (std::int32_t k = std::max(lo, from); k <= std::min(hi, to); ++k) {
+      const std::int32_t last = static_cast<std::int32_t>(std::min<std::int64_t>(hi, to));
+      for (std::int32_t k = static_cast<std::int32_t>(std::max<std::int64_t>(lo, from)); k <= last; ++k) {
         if (test(k)) return true;
       }
       return false;
@@ -222,7 +226,9 @@ int check_polygon_integrity(RunState& state, const BoundaryRing& ring, const std
   if (n < 3) return 0;
   const Ring r{ring, trimmed(file_name)};
   bool boxed = !state.reference_paths;
-  for (std::int32_t k = 0; k < 2 * n && boxed; ++k) boxed = std::fabs(ring.vertices[static_cast<std::size_t>(k)]) < 1e150;
+  for (std::size_t k = 0; k < 2 * static_cast<std::size_t>(n) && boxed; ++k) {
+    boxed = std::fabs(ring.vertices[k]) < 1e150;
+  }
   if (!boxed) return check_every_pair(state, r, n);
   const RunTree tree = build_run_tree(r, n);
   for (std::int32_t i = 1; i <= n - 2; ++i) {
