@@ -107,11 +107,13 @@ TEST(SegmentIndex, GivesEachSegmentItsLineAndSlack) {
   EXPECT_EQ(index.lines[19], INFINITY);
 }
 
-TEST(SegmentIndex, FindsEverySegmentWithinReach) {
+// Outlines of 300 and of 5,000 vertices; the longer one puts dozens of
+// segments in many of its cells.
+void expect_every_segment_within_reach(int vertices, int queries, int lattice) {
   Random random(32);
   std::vector<double> ring;
-  for (int k = 0; k < 300; ++k) {
-    const double theta = 6.283185307179586 * k / 300;
+  for (int k = 0; k < vertices; ++k) {
+    const double theta = 6.283185307179586 * k / vertices;
     const double r = 1000 * (1 + 0.3 * std::sin(5 * theta) + random.uniform(0, 0.05));
     ring.push_back(5e6 + r * std::cos(theta));
     ring.push_back(7e6 + r * std::sin(theta));
@@ -124,7 +126,7 @@ TEST(SegmentIndex, FindsEverySegmentWithinReach) {
                       {static_cast<std::int32_t>(ring.size() / 2), static_cast<std::int32_t>(hole.size() / 2)});
   ASSERT_TRUE(index.built);
   std::vector<std::int32_t> found;
-  for (int q = 0; q < 3000; ++q) {
+  for (int q = 0; q < queries; ++q) {
     const double x = 5e6 + random.uniform(-1500, 1500);
     const double y = 7e6 + random.uniform(-1500, 1500);
     const double w = random.uniform(0, 200);
@@ -136,9 +138,9 @@ TEST(SegmentIndex, FindsEverySegmentWithinReach) {
       // when any of these sample points is: the rectangle's points are
       // probed on a lattice, the segment exactly.
       bool within = false;
-      for (int i = 0; i <= 8 && !within; ++i) {
-        for (int j = 0; j <= 8 && !within; ++j) {
-          within = distance_to_segment(x + w * i / 8, y + w * j / 8, e[0], e[1], e[2], e[3]) <= reach;
+      for (int i = 0; i <= lattice && !within; ++i) {
+        for (int j = 0; j <= lattice && !within; ++j) {
+          within = distance_to_segment(x + w * i / lattice, y + w * j / lattice, e[0], e[1], e[2], e[3]) <= reach;
         }
       }
       if (within) {
@@ -146,6 +148,12 @@ TEST(SegmentIndex, FindsEverySegmentWithinReach) {
       }
     }
   }
+}
+
+TEST(SegmentIndex, FindsEverySegmentWithinReach) { expect_every_segment_within_reach(300, 3000, 8); }
+
+TEST(SegmentIndex, FindsEverySegmentWithinReachAlongALongOutline) {
+  expect_every_segment_within_reach(5000, 150, 3);
 }
 
 MeshPointList mesh_of(const std::vector<double>& points) {
