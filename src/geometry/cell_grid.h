@@ -27,6 +27,18 @@ struct CellGrid {
   double row_of(double y) const { return std::floor((y - y0) * inverse_h); }
 };
 
+// Cells along the longer side of a grid over the `items` edges of an
+// outline.  An outline of n edges of about one length spans some sqrt(n)
+// of their lengths or more however it winds, so cells whose number along
+// a side grows as sqrt(n) each hold about as many edges at any size: eight
+// per root, no fewer than 256 (the grids of the outlines of up to 1,024
+// edges stay as they were) and no more than 1,024 (a million cells).  The
+// number of cells changes which cells are visited, never an answer.
+inline std::int32_t cells_per_side_for(std::size_t items) {
+  const double side = 8.0 * std::sqrt(static_cast<double>(items));
+  return side < 256.0 ? 256 : side > 1024.0 ? 1024 : static_cast<std::int32_t>(side);
+}
+
 // A column or row number clamped into [0, size).  Not a number gives 0.
 inline std::int32_t clamp_index(double value, std::int32_t size) {
   if (!(value >= 0.0)) return 0;

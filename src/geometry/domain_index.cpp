@@ -28,13 +28,10 @@ namespace {
 // The margin costs nothing in practice: it is 0.4 mm on a ring 40 km wide.
 constexpr double kMargin = 1e-8;
 
-// The grid has at most this many cells along its longer side.
-constexpr std::int32_t kCellsPerSide = 256;
-
 // Rows of the crossing count to a cell.  A point of a cell that some edge
 // comes near counts the crossings of the edges of its row; on a digitised
 // outline a row of whole cells holds dozens of edges (on a divide of 8,000
-// vertices, about 50), of which a ray at one height spans a handful.
+// vertices, about 50 with 256 cells a side), of which a ray at one height spans a handful.
 // Thinner rows list fewer; each edge is listed in a few more of them.  The
 // rows change no answer: every edge that spans the point's height is in
 // its row, as below.
@@ -149,13 +146,15 @@ RingIndex build_ring_index(const double* vertices, std::int32_t count) {
     widest = std::max(widest, r.near[static_cast<std::size_t>(e)]);
   }
 
+  // The grid has at most `side` cells along its longer side.
+  const std::int32_t side = cells_per_side_for(static_cast<std::size_t>(m));
   CellGrid& g = r.grid;
-  g.h = width * (1.0 + 2.0 * kCellSlack) / kCellsPerSide + 2.0 * widest;
+  g.h = width * (1.0 + 2.0 * kCellSlack) / side + 2.0 * widest;
   g.inverse_h = 1.0 / g.h;
   g.x0 = xmin - widest - kCellSlack * g.h;
   g.y0 = ymin - widest - kCellSlack * g.h;
-  g.nx = std::min<std::int32_t>(kCellsPerSide + 2, static_cast<std::int32_t>((xmax - g.x0 + widest) * g.inverse_h) + 2);
-  g.ny = std::min<std::int32_t>(kCellsPerSide + 2, static_cast<std::int32_t>((ymax - g.y0 + widest) * g.inverse_h) + 2);
+  g.nx = std::min<std::int32_t>(side + 2, static_cast<std::int32_t>((xmax - g.x0 + widest) * g.inverse_h) + 2);
+  g.ny = std::min<std::int32_t>(side + 2, static_cast<std::int32_t>((ymax - g.y0 + widest) * g.inverse_h) + 2);
 
   // Edges by cell and by row, in two sweeps each: count, then fill.
   const std::size_t cells = g.cell_count();

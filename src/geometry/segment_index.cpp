@@ -5,12 +5,6 @@
 
 namespace tesseramill {
 
-namespace {
-
-constexpr std::int32_t kCellsPerSide = 256;
-
-}  // namespace
-
 void build_segment_index(SegmentIndex& index, const std::vector<const double*>& rings,
                          const std::vector<std::int32_t>& counts) {
   index = SegmentIndex{};
@@ -36,13 +30,14 @@ void build_segment_index(SegmentIndex& index, const std::vector<const double*>& 
   if (segments == 0) return;
   const double width = std::max(xmax - xmin, ymax - ymin);
   if (!std::isfinite(width)) return;
+  const std::int32_t side = cells_per_side_for(static_cast<std::size_t>(segments));
   CellGrid& g = index.grid;
-  g.h = width > 0.0 ? width / (kCellsPerSide - 2) : 1.0;
+  g.h = width > 0.0 ? width / (side - 2) : 1.0;
   g.inverse_h = 1.0 / g.h;
   g.x0 = xmin - g.h;
   g.y0 = ymin - g.h;
-  g.nx = std::min<std::int32_t>(kCellsPerSide + 1, static_cast<std::int32_t>((xmax - g.x0) * g.inverse_h) + 2);
-  g.ny = std::min<std::int32_t>(kCellsPerSide + 1, static_cast<std::int32_t>((ymax - g.y0) * g.inverse_h) + 2);
+  g.nx = std::min<std::int32_t>(side + 1, static_cast<std::int32_t>((xmax - g.x0) * g.inverse_h) + 2);
+  g.ny = std::min<std::int32_t>(side + 1, static_cast<std::int32_t>((ymax - g.y0) * g.inverse_h) + 2);
   const std::size_t cells = g.cell_count();
   index.cell_start.assign(cells + 1, 0);
   auto walk = [&](std::int32_t s, auto visit) {

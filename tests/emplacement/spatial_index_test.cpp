@@ -107,8 +107,8 @@ TEST(SegmentIndex, GivesEachSegmentItsLineAndSlack) {
   EXPECT_EQ(index.lines[19], INFINITY);
 }
 
-// Outlines of 300 and of 5,000 vertices; the longer one puts dozens of
-// segments in many of its cells.
+// Outlines of 300 and of 5,000 vertices, on grids of 256 and 565 cells a
+// side (cells_per_side_for).
 void expect_every_segment_within_reach(int vertices, int queries, int lattice) {
   Random random(32);
   std::vector<double> ring;
@@ -154,6 +154,17 @@ TEST(SegmentIndex, FindsEverySegmentWithinReach) { expect_every_segment_within_r
 
 TEST(SegmentIndex, FindsEverySegmentWithinReachAlongALongOutline) {
   expect_every_segment_within_reach(5000, 150, 3);
+}
+
+TEST(CellGrid, CellsPerSideGrowWithTheRootOfTheEdgesBetweenTheirBounds) {
+  EXPECT_EQ(cells_per_side_for(0), 256);
+  EXPECT_EQ(cells_per_side_for(1024), 256);
+  EXPECT_EQ(cells_per_side_for(1025), 256);  // 8 x 32.016 = 256.12
+  EXPECT_EQ(cells_per_side_for(1040), 257);
+  EXPECT_EQ(cells_per_side_for(8000), 715);
+  EXPECT_EQ(cells_per_side_for(16384), 1024);
+  EXPECT_EQ(cells_per_side_for(16385), 1024);
+  EXPECT_EQ(cells_per_side_for(std::size_t{1} << 40), 1024);
 }
 
 MeshPointList mesh_of(const std::vector<double>& points) {
