@@ -31,10 +31,10 @@ constexpr double kMargin = 1e-8;
 // Rows of the crossing count to a cell.  A point of a cell that some edge
 // comes near counts the crossings of the edges of its row; on a digitised
 // outline a row of whole cells holds dozens of edges (on a divide of 8,000
-// vertices, about 50 with 256 cells a side), of which a ray at one height spans a handful.
-// Thinner rows list fewer; each edge is listed in a few more of them.  The
-// rows change no answer: every edge that spans the point's height is in
-// its row, as below.
+// vertices, about 50 with 256 cells a side), of which a ray at one height
+// spans a handful.  Thinner rows list fewer; each edge is listed in a few
+// more of them.  The rows change no answer: every edge that spans the
+// point's height is in its row, as below.
 constexpr std::int32_t kRowsPerCell = 8;
 
 // Cells are widened by this share of their side when edges are assigned to
