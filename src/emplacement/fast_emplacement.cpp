@@ -663,16 +663,19 @@ void start_fast_emplacement(RunState& state) {
     index_run_point(state, p, std::numeric_limits<double>::quiet_NaN());
   }
 
-  std::vector<const double*> rings = {state.outer_boundary.vertices.data()};
-  std::vector<std::int32_t> counts = {state.outer_boundary.vertex_count};
-  for (const BoundaryRing& ring : state.inner_boundaries) {
-    rings.push_back(ring.vertices.data());
-    counts.push_back(ring.vertex_count);
+  const BoundaryRings boundaries = boundary_rings(state);
+  const std::vector<const double*>& rings = boundaries.rings;
+  const std::vector<std::int32_t>& counts = boundaries.counts;
+  // The rings' segments by place, as the domain index keeps them once it is
+  // built (the rings do not change afterwards).
+  const DomainIndex& domain = state.domain_index;
+  if (domain.built) {
+    f.segments = domain.segments;
+  } else {
+    build_segment_index(f.segments, rings, counts);
   }
-  build_segment_index(f.segments, rings, counts);
   // The rings' closing gaps, each as |dx| + |dy|, no less than its length;
   // and the domain index's widest margin, when it serves every ring.
-  const DomainIndex& domain = state.domain_index;
   bool served = domain.built && domain.outer.usable && domain.holes.size() == state.inner_boundaries.size();
   f.edge_margin = 0.0;
   for (std::size_t r = 0; r < rings.size(); ++r) {

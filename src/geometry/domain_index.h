@@ -77,10 +77,9 @@ struct DomainIndex {
   RingIndex outer;
   std::vector<RingIndex> holes;
   std::vector<RingIndex> polygons;
-  // The segments of the outer boundary and of each hole by place, for the
-  // clearance of the inner lines' points.
-  SegmentIndex outer_segments;
-  std::vector<SegmentIndex> hole_segments;
+  // The segments of the outer boundary and then of each hole, by place:
+  // for the clearance of the inner lines' points and for the emplacement.
+  SegmentIndex segments;
 };
 
 }  // namespace tesseramill

@@ -24,24 +24,31 @@ bool ring_too_close(const BoundaryRing& ring, double x, double y, double clearan
   return false;
 }
 
-// ring_too_close through the ring's segment index: only the segments that
-// come within `reach` of the point are looked at, and the answer is the
-// same.  Why: distance_to_segment puts its foot at x1 + t dx, y1 + t dy
-// with one t in [0, 1] (the ends themselves outside it), so the foot lies
-// on the segment up to the rounding of two steps, below 1e-15 of the ends'
-// magnitudes in each coordinate; or t is no number, the distance too, and
-// no clearance exceeds it.  The distance from the foot is rounded by a
-// relative 4e-16 at most while the squares stay normal, which they do
+// Whether some segment of the outer boundary or of a hole lies closer than
+// `clearance` to (x, y); through the rings' segment index when the index
+// serves them, by ring_too_close on each ring otherwise.  The index looks
+// only at the segments that come within `reach` of the point, and the
+// answer is the same.  Why: distance_to_segment puts its foot at x1 + t dx,
+// y1 + t dy with one t in [0, 1] (the ends themselves outside it), so the
+// foot lies on the segment up to the rounding of two steps, below 1e-15 of
+// the ends' magnitudes in each coordinate; or t is no number, the distance
+// too, and no clearance exceeds it.  The distance from the foot is rounded
+// by a relative 4e-16 at most while the squares stay normal, which they do
 // when it exceeds 1e-150.  So a segment farther than `reach` from the
-// point, as its index has it, lies farther than the clearance from it as
+// point, as the index has it, lies farther than the clearance from it as
 // distance_to_segment rounds it, and cannot be too close; the others are
 // tested as the full walk tests them, and whether any is too close does
-// not depend on their order.  Values that are no finite numbers, and
-// rings the index does not serve, take the full walk.
-bool ring_too_close_indexed(const SegmentIndex& index, const BoundaryRing& ring, double x, double y,
-                            double clearance) {
-  if (!index.built || !std::isfinite(x) || !std::isfinite(y) || !std::isfinite(clearance)) {
-    return ring_too_close(ring, x, y, clearance);
+// not depend on their order or their ring.  Values that are no finite
+// numbers take the full walk.
+bool boundaries_too_close(const RunState& state, double x, double y, double clearance) {
+  const SegmentIndex& index = state.domain_index.segments;
+  if (!state.domain_index.built || state.reference_paths || !index.built || !std::isfinite(x) ||
+      !std::isfinite(y) || !std::isfinite(clearance)) {
+    if (ring_too_close(state.outer_boundary, x, y, clearance)) return true;
+    for (const BoundaryRing& ring : state.inner_boundaries) {
+      if (ring_too_close(ring, x, y, clearance)) return true;
+    }
+    return false;
   }
   const double reach =
       std::fabs(clearance) * (1.0 + 1e-9) + 1e-9 * (std::fabs(x) + std::fabs(y) + 4.0 * index.magnitude) + 1e-150;
@@ -93,6 +100,15 @@ bool in_inner_polygon(const RunState& state, std::size_t polygon, double x, doub
   return point_in_polygon(x, y, ring.vertices.data(), ring.vertex_count).location >= 0;
 }
 
+BoundaryRings boundary_rings(const RunState& state) {
+  BoundaryRings b{{state.outer_boundary.vertices.data()}, {state.outer_boundary.vertex_count}};
+  for (const BoundaryRing& ring : state.inner_boundaries) {
+    b.rings.push_back(ring.vertices.data());
+    b.counts.push_back(ring.vertex_count);
+  }
+  return b;
+}
+
 void build_domain_index(RunState& state) {
   DomainIndex& index = state.domain_index;
   auto ring_index = [](const BoundaryRing& ring) { return build_ring_index(ring.vertices.data(), ring.vertex_count); };
@@ -101,14 +117,8 @@ void build_domain_index(RunState& state) {
   for (const BoundaryRing& ring : state.inner_boundaries) index.holes.push_back(ring_index(ring));
   index.polygons.clear();
   for (const BoundaryRing& ring : state.inner_polygons) index.polygons.push_back(ring_index(ring));
-  auto segment_index = [](const BoundaryRing& ring, SegmentIndex& segments) {
-    build_segment_index(segments, {ring.vertices.data()}, {ring.vertex_count});
-  };
-  segment_index(state.outer_boundary, index.outer_segments);
-  index.hole_segments.resize(state.inner_boundaries.size());
-  for (std::size_t i = 0; i < state.inner_boundaries.size(); ++i) {
-    segment_index(state.inner_boundaries[i], index.hole_segments[i]);
-  }
+  const BoundaryRings boundaries = boundary_rings(state);
+  build_segment_index(index.segments, boundaries.rings, boundaries.counts);
   index.built = true;
 }
 
@@ -136,20 +146,7 @@ double distance_to_segment(double x, double y, double x1, double y1, double x2, 
 bool line_point_clear(const RunState& state, double x, double y, double clearance,
                       std::int32_t line_number) {
   if (!point_in_domain(state, x, y)) return false;
-  const DomainIndex& index = state.domain_index;
-  const bool indexed =
-      index.built && !state.reference_paths && index.hole_segments.size() == state.inner_boundaries.size();
-  if (indexed ? ring_too_close_indexed(index.outer_segments, state.outer_boundary, x, y, clearance)
-              : ring_too_close(state.outer_boundary, x, y, clearance)) {
-    return false;
-  }
-  for (std::size_t i = 0; i < state.inner_boundaries.size(); ++i) {
-    const BoundaryRing& ring = state.inner_boundaries[i];
-    if (indexed ? ring_too_close_indexed(index.hole_segments[i], ring, x, y, clearance)
-                : ring_too_close(ring, x, y, clearance)) {
-      return false;
-    }
-  }
+  if (boundaries_too_close(state, x, y, clearance)) return false;
   if (state.inner_lines.size() < 2 || line_number < 2) return true;
   for (std::int32_t k = 0; k < line_number - 1; ++k) {
     const BoundaryRing& line = state.inner_lines[static_cast<std::size_t>(k)];

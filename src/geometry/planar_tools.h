@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "common/run_state.h"
 #include "input/boundary_ring.h"
@@ -21,6 +22,13 @@ int rectangle_in_domain(const RunState& state, double xlo, double xhi, double yl
 // Whether (x, y) lies inside or on inner polygon `polygon` (0-based), so
 // that its cap applies.
 bool in_inner_polygon(const RunState& state, std::size_t polygon, double x, double y);
+
+// The outer boundary and then each hole: their x,y pairs and how many.
+struct BoundaryRings {
+  std::vector<const double*> rings;
+  std::vector<std::int32_t> counts;
+};
+BoundaryRings boundary_rings(const RunState& state);
 
 // Indexes the edges of the outer and inner boundaries and inner polygons.
 // The rings must not change afterwards.
