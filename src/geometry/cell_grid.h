@@ -46,6 +46,28 @@ inline std::int32_t clamp_index(double value, std::int32_t size) {
   return static_cast<std::int32_t>(value);
 }
 
+// The cells a rectangle touches: columns i0..i1 and rows j0..j1, clamped
+// into the grid.  `outside` when the rectangle lies wholly off the grid,
+// `beyond` when part of it does.
+struct CellSpan {
+  bool outside;
+  bool beyond;
+  std::int32_t i0, i1, j0, j1;
+};
+
+inline CellSpan cells_touched(const CellGrid& g, double xlo, double xhi, double ylo, double yhi) {
+  const double fi0 = g.column_of(xlo);
+  const double fi1 = g.column_of(xhi);
+  const double fj0 = g.row_of(ylo);
+  const double fj1 = g.row_of(yhi);
+  return CellSpan{fi1 < 0.0 || fi0 >= g.nx || fj1 < 0.0 || fj0 >= g.ny,
+                  fi0 < 0.0 || fi1 >= g.nx || fj0 < 0.0 || fj1 >= g.ny,
+                  clamp_index(fi0, g.nx),
+                  clamp_index(fi1, g.nx),
+                  clamp_index(fj0, g.ny),
+                  clamp_index(fj1, g.ny)};
+}
+
 // Calls visit(i, j) once for every cell within `reach` of the segment from
 // (ax, ay) to (bx, by), and possibly for a few more: row by row, the part
 // of the segment whose height falls in the row widened by `reach`, and the

@@ -235,25 +235,17 @@ int locate_rectangle_in_ring(const RingIndex& r, double xlo, double xhi, double 
     return kMixed;
   }
   const CellGrid& g = r.grid;
-  const double fi0 = g.column_of(xlo);
-  const double fi1 = g.column_of(xhi);
-  const double fj0 = g.row_of(ylo);
-  const double fj1 = g.row_of(yhi);
-  if (fi1 < 0.0 || fi0 >= g.nx || fj1 < 0.0 || fj0 >= g.ny) return kOutside;
-  const bool beyond_grid = fi0 < 0.0 || fi1 >= g.nx || fj0 < 0.0 || fj1 >= g.ny;
-  const std::int32_t i0 = clamp_index(fi0, g.nx);
-  const std::int32_t i1 = clamp_index(fi1, g.nx);
-  const std::int32_t j0 = clamp_index(fj0, g.ny);
-  const std::int32_t j1 = clamp_index(fj1, g.ny);
+  const CellSpan span = cells_touched(g, xlo, xhi, ylo, yhi);
+  if (span.outside) return kOutside;
   // Cells that no edge comes near, side by side, share one winding number;
   // one cell with an edge near it leaves the rectangle undecided.
-  for (std::int32_t j = j0; j <= j1; ++j) {
-    for (std::int32_t i = i0; i <= i1; ++i) {
+  for (std::int32_t j = span.j0; j <= span.j1; ++j) {
+    for (std::int32_t i = span.i0; i <= span.i1; ++i) {
       if (r.cell_start[g.cell(i, j)] != r.cell_start[g.cell(i, j) + 1]) return kMixed;
     }
   }
-  const std::int32_t winding = r.cell_winding[g.cell(i0, j0)];
-  if (beyond_grid && winding != 0) return kMixed;
+  const std::int32_t winding = r.cell_winding[g.cell(span.i0, span.j0)];
+  if (span.beyond && winding != 0) return kMixed;
   return winding != 0 ? kInside : kOutside;
 }
 

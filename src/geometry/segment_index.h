@@ -59,17 +59,10 @@ bool any_segment_near(const SegmentIndex& index, double xlo, double xhi, double 
   // The point of a segment nearest the rectangle lies in the rectangle
   // widened by `reach`, and the segment is listed in that point's cell.
   const double widen = reach + kSegmentCellSlack * g.h;
-  const double fi0 = g.column_of(xlo - widen);
-  const double fi1 = g.column_of(xhi + widen);
-  const double fj0 = g.row_of(ylo - widen);
-  const double fj1 = g.row_of(yhi + widen);
-  if (fi1 < 0.0 || fi0 >= g.nx || fj1 < 0.0 || fj0 >= g.ny) return false;
-  const std::int32_t i0 = clamp_index(fi0, g.nx);
-  const std::int32_t i1 = clamp_index(fi1, g.nx);
-  const std::int32_t j0 = clamp_index(fj0, g.ny);
-  const std::int32_t j1 = clamp_index(fj1, g.ny);
-  for (std::int32_t j = j0; j <= j1; ++j) {
-    for (std::int32_t i = i0; i <= i1; ++i) {
+  const CellSpan span = cells_touched(g, xlo - widen, xhi + widen, ylo - widen, yhi + widen);
+  if (span.outside) return false;
+  for (std::int32_t j = span.j0; j <= span.j1; ++j) {
+    for (std::int32_t i = span.i0; i <= span.i1; ++i) {
       const std::size_t c = g.cell(i, j);
       for (std::int32_t m = index.cell_start[c]; m < index.cell_start[c + 1]; ++m) {
         if (visit(index.cell_segments[static_cast<std::size_t>(m)])) return true;
