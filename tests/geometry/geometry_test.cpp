@@ -8,9 +8,12 @@
 #include "geometry/planar_tools.h"
 #include "geometry/point_in_polygon.h"
 #include "geometry/polygon_integrity.h"
+#include "support/rings.h"
 
 namespace tesseramill {
 namespace {
+
+using tesseramill_test::ring_of;
 
 const std::vector<double> kSquare = {0, 0, 4, 0, 4, 4, 0, 4, 0, 0};
 const std::vector<double> kSquareReversed = {0, 0, 0, 4, 4, 4, 4, 0, 0, 0};
@@ -59,14 +62,6 @@ TEST(PointInPolygon, RingOfOneDistinctVertex) {
   EXPECT_EQ(locate(3, 3, ring).location, 0);
   EXPECT_EQ(locate(3.5, 3, ring).location, -1);
   EXPECT_EQ(locate(0, 0, ring).location, -1);
-}
-
-BoundaryRing ring_of(const std::vector<double>& vertices) {
-  BoundaryRing ring;
-  ring.vertices = vertices;
-  ring.vertex_count = static_cast<std::int32_t>(vertices.size() / 2);
-  ring.closed = -1;
-  return ring;
 }
 
 // Outer square 0..100 with a square hole 40..60.

@@ -9,21 +9,15 @@
 
 #include "geometry/planar_tools.h"
 #include "support/random.h"
+#include "support/rings.h"
 
 namespace tesseramill {
 namespace {
 
 using tesseramill_test::Random;
+using tesseramill_test::ring_of;
 
 constexpr double kPi = 3.141592653589793;
-
-BoundaryRing ring_of(const std::vector<double>& vertices) {
-  BoundaryRing ring;
-  ring.vertices = vertices;
-  ring.vertex_count = static_cast<std::int32_t>(vertices.size() / 2);
-  ring.closed = -1;
-  return ring;
-}
 
 // A wiggly closed ring round (cx, cy) with `vertices` vertices; every
 // `repeat`th vertex is given twice, which makes a segment of no length.

@@ -9,21 +9,15 @@
 
 #include "geometry/polygon_integrity.h"
 #include "support/random.h"
+#include "support/rings.h"
 
 namespace tesseramill {
 namespace {
 
 using tesseramill_test::Random;
+using tesseramill_test::ring_of;
 
 constexpr double kPi = 3.141592653589793;
-
-BoundaryRing ring_of(const std::vector<double>& vertices) {
-  BoundaryRing ring;
-  ring.vertices = vertices;
-  ring.vertex_count = static_cast<std::int32_t>(vertices.size() / 2);
-  ring.closed = -1;
-  return ring;
-}
 
 std::vector<double> closed(std::vector<double> ring) {
   ring.push_back(ring[0]);
