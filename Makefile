@@ -5,7 +5,7 @@ FUZZ_SECONDS ?= 60
 VERSION := $(shell sed -n 's/.*version_text = "\(.*\)";.*/\1/p' src/common/run_state.cpp)
 WINDOWS_PACKAGE := tesseramill-$(VERSION)-windows-x64
 
-.PHONY: build demo gis-demo test bench bench-triangulation bench-gis maths-check reference-check sanitize sanitize-gis fuzz mf6-check determinism windows windows-test windows-compare clean
+.PHONY: build demo gis-demo test bench bench-targets bench-triangulation bench-gis maths-check reference-check sanitize sanitize-gis fuzz mf6-check determinism windows windows-test windows-compare clean
 
 build:
 	cmake -S . -B $(BUILD)
@@ -45,6 +45,17 @@ bench:
 	cmake -S . -B $(BUILD)
 	cmake --build $(BUILD) -j 2 --target tesseramill-bench
 	$(BUILD)/tesseramill-bench $(BENCH_ARGS)
+
+# The speed targets: the GIS-like divides' interior cost per cell against
+# the family's, the million cells with 3 and 30 Lloyd passes, their system
+# time; each model in turn, medians of 3 rounds (about 5 minutes).
+# TARGETS_ARGS="--binary OTHER/tesseramill" also times another build on each
+# model and compares its files; "--with-1e7" adds ten million cells (about
+# 4 minutes a round); "--rounds N" sets the rounds.
+bench-targets:
+	cmake -S . -B $(BUILD)
+	cmake --build $(BUILD) -j 2 --target tesseramill-bench
+	$(BUILD)/tesseramill-bench --targets $(TARGETS_ARGS)
 
 # Times DTRIS2, fast and reference, on the mesh points of the family's
 # million-cell model after its third Lloyd pass, and CGAL's Delaunay

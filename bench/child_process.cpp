@@ -16,6 +16,8 @@ ChildRun run_child(const std::vector<std::string>& args, const std::filesystem::
   run.wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   run.ok = child.status == 0;
   run.peak_kib = child.peak_kib;
+  run.user = child.user_seconds;
+  run.system = child.system_seconds;
   run.out = child.output;
   return run;
 }

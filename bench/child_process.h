@@ -12,6 +12,8 @@ struct ChildRun {
   bool ok = false;  // ended normally with status 0
   double wall = 0.0;
   long peak_kib = 0;
+  double user = 0.0;    // processor seconds in its own code
+  double system = 0.0;  // and in the system's on its behalf
   std::string out;  // what it wrote to its standard output
 };
 

@@ -12,6 +12,10 @@
 //                                     the list names them
 //   tesseramill-bench --binary PATH   also time another build of the program
 //                                     on each model (whole run only)
+//   tesseramill-bench --targets [--rounds N] [--binary PATH] [--with-1e7]
+//                                     the speed targets, each model in turn
+//                                     and each figure the median of N rounds
+//                                     (3 unless told; targets.h)
 //   tesseramill-bench --write SIZE|outline|gisN DIR [MAX_LLOYD]
 //                                     write one model of the family and stop
 //   tesseramill-bench --triangulation SIZE [--points FILE]
@@ -41,11 +45,19 @@
 #include "common/platform.h"
 #include "maths_speed.h"
 #include "model_family.h"
-#include "triangulation_speed.h"
+#include "model_runs.h"
 #include "run/program.h"
+#include "targets.h"
+#include "triangulation_speed.h"
 
 namespace fs = std::filesystem;
 using tesseramill_bench::ModelRecipe;
+using tesseramill_bench::Timing;
+using tesseramill_bench::fixed;
+using tesseramill_bench::pad;
+using tesseramill_bench::same_files;
+using tesseramill_bench::time_binary;
+using tesseramill_bench::time_library;
 
 namespace {
 
@@ -54,105 +66,6 @@ struct Row {
   ModelRecipe recipe;
   bool with_reference = false;
 };
-
-struct Timing {
-  bool ok = false;
-  long cells = 0;
-  std::array<double, tesseramill::kPhaseCount> phase{};
-  double wall = 0.0;
-  long peak_kib = 0;
-};
-
-std::string read_file(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
-// The child: runs model.in in the current folder and prints its timing.
-int run_one(bool reference) {
-  tesseramill::RunOptions options;
-  options.reference_paths = reference;
-  std::array<double, tesseramill::kPhaseCount> phases{};
-  options.phase_seconds = &phases;
-  std::ostringstream screen;
-  const char* argv[] = {"tesseramill", "model.in"};
-  tesseramill::run_program(2, argv, screen, options);
-  std::ofstream("screen.txt", std::ios::binary) << screen.str();
-  long cells = 0;
-  const std::string text = screen.str();
-  const std::size_t at = text.find(" points emplaced");
-  if (at != std::string::npos) {
-    const std::size_t from = text.rfind(" - ", at) + 3;
-    cells = std::atol(text.substr(from, at - from).c_str());
-  }
-  const bool ok = text.find(" - file model.oc written ok.") != std::string::npos;
-  std::cout << (ok ? "ok" : "failed") << " " << cells;
-  for (double t : phases) std::cout << " " << t;
-  std::cout << "\n";
-  return 0;
-}
-
-// Runs `args` in `folder` as a child process; gives its stdout, wall time
-// and peak memory.
-Timing spawn(const std::vector<std::string>& args, const fs::path& folder, std::string& out) {
-  const auto start = std::chrono::steady_clock::now();
-  const std::vector<std::string> rest(args.begin() + 1, args.end());
-  const tesseramill::ChildRun child = tesseramill::run_child(folder, args[0], rest, tesseramill::ChildStreams::kOutput);
-  Timing timing;
-  timing.wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  out = child.output;
-  timing.peak_kib = child.peak_kib;
-  timing.ok = child.status == 0;
-  return timing;
-}
-
-Timing time_library(const fs::path& folder, bool reference) {
-  std::vector<std::string> args = {tesseramill::own_program_path(), "--run-one"};
-  if (reference) args.push_back("--reference");
-  std::string out;
-  Timing timing = spawn(args, folder, out);
-  std::istringstream in(out);
-  std::string word;
-  in >> word >> timing.cells;
-  timing.ok = timing.ok && word == "ok";
-  for (double& t : timing.phase) in >> t;
-  return timing;
-}
-
-Timing time_binary(const std::string& binary, const fs::path& folder) {
-  std::string out;
-  Timing timing = spawn({fs::canonical(binary).string(), "model.in"}, folder, out);
-  std::ofstream(folder / "screen.txt", std::ios::binary) << out;
-  timing.ok = timing.ok && out.find(" - file model.oc written ok.") != std::string::npos;
-  return timing;
-}
-
-// Whether the two folders hold the same files with the same bytes.
-bool same_files(const fs::path& a, const fs::path& b) {
-  std::vector<std::string> names_a;
-  std::vector<std::string> names_b;
-  for (const auto& e : fs::directory_iterator(a)) names_a.push_back(e.path().filename().string());
-  for (const auto& e : fs::directory_iterator(b)) names_b.push_back(e.path().filename().string());
-  std::sort(names_a.begin(), names_a.end());
-  std::sort(names_b.begin(), names_b.end());
-  if (names_a != names_b) return false;
-  for (const std::string& name : names_a) {
-    if (read_file(a / name) != read_file(b / name)) return false;
-  }
-  return true;
-}
-
-std::string fixed(double value, int decimals) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.*f", decimals, value);
-  return text;
-}
-
-std::string pad(const std::string& text, std::size_t width) {
-  return text.size() >= width ? text : std::string(width - text.size(), ' ') + text;
-}
 
 ModelRecipe outline_model() {
   // About 30,000 cells inside an outline of 2,000 vertices with wiggles of
@@ -236,11 +149,20 @@ void run_gis_family(const std::vector<int>& sizes, const fs::path& scratch) {
 // or 0 for any other word.
 int gis_size(const std::string& word) { return word.rfind("gis", 0) == 0 ? std::atoi(word.c_str() + 3) : 0; }
 
+int usage() {
+  std::cerr << "usage: tesseramill-bench [--sizes 1e3,1e4,...,outline] [--binary PATH]"
+               " | --targets [--rounds N] [--binary PATH] [--with-1e7]"
+               " | --write SIZE|outline DIR [MAX_LLOYD] | --triangulation SIZE | --maths\n";
+  return 2;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   std::vector<std::string> args(argv + 1, argv + argc);
-  if (!args.empty() && args[0] == "--run-one") return run_one(args.size() > 1 && args[1] == "--reference");
+  if (!args.empty() && args[0] == "--run-one") {
+    return tesseramill_bench::run_one(args.size() > 1 && args[1] == "--reference");
+  }
   if (!args.empty() && args[0] == "--write" && args.size() >= 3) {
     ModelRecipe recipe = args[1] == "outline"   ? outline_model()
                          : gis_size(args[1]) > 0 ? tesseramill_bench::gis_model(gis_size(args[1]))
@@ -252,6 +174,21 @@ int main(int argc, char** argv) {
   if (!args.empty() && args[0] == "--maths" && args.size() == 1) return tesseramill_bench::time_maths();
   if (!args.empty() && args[0] == "--triangulation" && (args.size() == 2 || (args.size() == 4 && args[2] == "--points"))) {
     return tesseramill_bench::time_triangulation(std::atof(args[1].c_str()), args.size() == 4 ? args[3] : "");
+  }
+  if (!args.empty() && args[0] == "--targets") {
+    tesseramill_bench::TargetOptions options;
+    for (std::size_t k = 1; k < args.size(); ++k) {
+      if (args[k] == "--rounds" && k + 1 < args.size() && std::atoi(args[k + 1].c_str()) >= 1) {
+        options.rounds = std::atoi(args[++k].c_str());
+      } else if (args[k] == "--binary" && k + 1 < args.size()) {
+        options.other_binary = args[++k];
+      } else if (args[k] == "--with-1e7") {
+        options.with_1e7 = true;
+      } else {
+        return usage();
+      }
+    }
+    return tesseramill_bench::run_targets(options);
   }
   std::vector<double> sizes = {1e3, 1e4, 3e4, 1e5, 1e6};
   bool with_outline = true;
@@ -276,9 +213,7 @@ int main(int argc, char** argv) {
     } else if (args[k] == "--binary" && k + 1 < args.size()) {
       other_binary = args[++k];
     } else {
-      std::cerr << "usage: tesseramill-bench [--sizes 1e3,1e4,...,outline] [--binary PATH]"
-                   " | --write SIZE|outline DIR [MAX_LLOYD] | --triangulation SIZE | --maths\n";
-      return 2;
+      return usage();
     }
   }
 

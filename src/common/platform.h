@@ -61,6 +61,11 @@ struct ChildRun {
   // The most memory the child held at once, in KiB: its peak resident set
   // on Linux, its peak working set on Windows.
   long peak_kib = 0;
+  // The processor time the child's threads spent in its own code and in the
+  // system on its behalf, in seconds, summed over the threads; on Linux
+  // only, 0 on Windows (where Wine gives other times than the child's).
+  double user_seconds = 0.0;
+  double system_seconds = 0.0;
   // The signal that ended the child on Linux, 0 when it exited.  (Windows
   // gives a crash as an exit status, such as 0xC0000005 for an access
   // violation.)
@@ -70,9 +75,9 @@ struct ChildRun {
 };
 
 // Starts `program` (a path) with `args` in `folder`, standard input from the
-// null device, waits for it to end and gives its status, streams and peak
-// memory.  With a time limit above 0 a child still running after that many
-// seconds is killed, and the run says so.
+// null device, waits for it to end and gives its status, streams, peak
+// memory and processor times.  With a time limit above 0 a child still
+// running after that many seconds is killed, and the run says so.
 ChildRun run_child(const std::filesystem::path& folder, const std::string& program,
                    const std::vector<std::string>& args, ChildStreams streams = ChildStreams::kOutputAndErrors,
                    double time_limit_seconds = 0.0);

@@ -1,11 +1,14 @@
 // The platform module gives the same answers on Linux and on Windows.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "common/platform.h"
+#include "model_family.h"
 #include "support/scratch.h"
 
 namespace tesseramill_test {
@@ -17,8 +20,8 @@ using tesseramill::ChildStreams;
 using tesseramill::run_child;
 
 const std::string kBenchUsage =
-    "usage: tesseramill-bench [--sizes 1e3,1e4,...,outline] [--binary PATH] | --write SIZE|outline DIR "
-    "[MAX_LLOYD] | --triangulation SIZE | --maths\n";
+    "usage: tesseramill-bench [--sizes 1e3,1e4,...,outline] [--binary PATH] | --targets [--rounds N] [--binary "
+    "PATH] [--with-1e7] | --write SIZE|outline DIR [MAX_LLOYD] | --triangulation SIZE | --maths\n";
 
 // The benchmark refuses an unknown option with its usage on standard error
 // and status 2.
@@ -31,6 +34,18 @@ TEST(Platform, ChildStatusAndStreams) {
       run_child(dir.path(), TESSERAMILL_BENCH_BINARY, {"--no-such-option"}, ChildStreams::kOutput);
   EXPECT_EQ(output_only.status, 2);
   EXPECT_EQ(output_only.output, "");
+}
+
+// The benchmark's --targets takes only its own options, and a number of
+// rounds of at least one.
+TEST(Platform, BenchmarkTargetsRefuseOtherOptions) {
+  ScratchDir dir;
+  for (const std::vector<std::string>& args : std::vector<std::vector<std::string>>{
+           {"--targets", "--rounds", "0"}, {"--targets", "--rounds"}, {"--targets", "--sizes", "1e3"}}) {
+    const ChildRun run = run_child(dir.path(), TESSERAMILL_BENCH_BINARY, args);
+    EXPECT_EQ(run.status, 2) << args.back();
+    EXPECT_EQ(lf_line_ends(run.output), kBenchUsage) << args.back();
+  }
 }
 
 TEST(Platform, ProgramThatCannotStart) {
@@ -60,6 +75,30 @@ TEST(Platform, ChildRunsInTheFolderGiven) {
   EXPECT_NE(lf_line_ends(run.output).find(" - file square.oc written ok.\n"), std::string::npos) << run.output;
   EXPECT_TRUE(fs::exists(dir.path() / "square.disv"));
   EXPECT_GT(run.peak_kib, 0);
+}
+
+// A child's processor times are its own: the mesher on a model of 10,000
+// cells spends a good part of a second in its own code, and no more
+// processor time than two cores give in the wall time it took.  Windows
+// gives none.
+TEST(Platform, ChildProcessorTimes) {
+  ScratchDir dir;
+  tesseramill_bench::ModelRecipe recipe = tesseramill_bench::family_model(1e4);
+  recipe.max_lloyd = 3;
+  const std::string control = tesseramill_bench::write_model(recipe, dir.path());
+  const auto start = std::chrono::steady_clock::now();
+  const ChildRun run = run_child(dir.path(), TESSERAMILL_BINARY, {control});
+  const double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  EXPECT_EQ(run.status, 0);
+#ifdef _WIN32
+  EXPECT_EQ(run.user_seconds, 0.0);
+  EXPECT_EQ(run.system_seconds, 0.0);
+  (void)wall;
+#else
+  EXPECT_GT(run.user_seconds, 0.05);
+  EXPECT_GE(run.system_seconds, 0.0);
+  EXPECT_LE(run.user_seconds + run.system_seconds, 2.0 * wall + 0.1);
+#endif
 }
 
 TEST(Platform, OwnProgramPathStartsThisProgram) {

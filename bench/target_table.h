@@ -1,0 +1,27 @@
+// The speed targets the benchmark checks, and the table that says whether
+// each is met.
+#pragma once
+
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace tesseramill_bench {
+
+// One target: met when the measured value is at most the limit.
+struct Target {
+  std::string what;
+  double measured = std::numeric_limits<double>::quiet_NaN();  // NaN: not measured
+  double limit = 0.0;
+  int decimals = 2;
+};
+
+// The median of `values`: the middle one, or the mean of the middle two for
+// an even count; NaN for none.
+double median(std::vector<double> values);
+
+// One line per target: what it is, the measured value, the limit and
+// "yes", "NO" or "not measured", in columns.
+std::string target_table(const std::vector<Target>& targets);
+
+}  // namespace tesseramill_bench

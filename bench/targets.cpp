@@ -1,0 +1,196 @@
+#include "targets.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "common/platform.h"
+#include "model_family.h"
+#include "model_runs.h"
+#include "target_table.h"
+
+namespace fs = std::filesystem;
+
+namespace tesseramill_bench {
+
+namespace {
+
+struct Model {
+  std::string name;
+  ModelRecipe recipe;
+  // What the rounds measured.
+  std::vector<double> inter_per_cell;  // microseconds of interior emplacement per cell
+  std::vector<double> wall;
+  std::vector<double> system_share;    // system time over all processor time
+  std::vector<double> other_wall;
+  std::vector<double> wall_ratio;      // this build over the other, round by round
+  long cells = 0;
+  long peak_kib = 0;
+  bool ok = true;
+  bool same = true;
+};
+
+Model model(const std::string& name, ModelRecipe recipe, int max_lloyd) {
+  recipe.max_lloyd = max_lloyd;
+  return {name, recipe, {}, {}, {}, {}, {}, 0, 0, true, true};
+}
+
+// The family's models of about the cells of each GIS-like one, for the
+// interior's cost per cell; their Lloyd passes play no part, so they make
+// three.
+std::vector<Model> target_models(bool with_1e7) {
+  std::vector<Model> models = {
+      model("GIS-like 500 vertices", gis_model(500), 3),   model("family 3e4", family_model(3e4), 3),
+      model("GIS-like 2000 vertices", gis_model(2000), 3), model("family 1e5", family_model(1e5), 3),
+      model("GIS-like 8000 vertices", gis_model(8000), 3), model("family 3e5", family_model(3e5), 3),
+      model("family 1e6, 3 passes", family_model(1e6), 3), model("family 1e6, 30 passes", family_model(1e6), -1),
+  };
+  if (with_1e7) models.push_back(model("family 1e7, 3 passes", family_model(1e7), 3));
+  return models;
+}
+
+const Model* find(const std::vector<Model>& models, const std::string& name) {
+  for (const Model& m : models) {
+    if (m.name == name) return &m;
+  }
+  return nullptr;
+}
+
+// A model's median, or NaN when it is not in the run or a run of it failed.
+double measured(const std::vector<Model>& models, const std::string& name, std::vector<double> Model::*values) {
+  const Model* m = find(models, name);
+  return m != nullptr && m->ok ? median(m->*values) : std::numeric_limits<double>::quiet_NaN();
+}
+
+// The median over the rounds of the GIS-like model's interior cost per cell
+// over the family model's of the same round.
+double per_cell_ratio(const std::vector<Model>& models, const std::string& gis, const std::string& family) {
+  const Model* g = find(models, gis);
+  const Model* f = find(models, family);
+  std::vector<double> ratios;
+  if (g == nullptr || f == nullptr || !g->ok || !f->ok) return std::numeric_limits<double>::quiet_NaN();
+  for (std::size_t r = 0; r < g->inter_per_cell.size() && r < f->inter_per_cell.size(); ++r) {
+    ratios.push_back(g->inter_per_cell[r] / f->inter_per_cell[r]);
+  }
+  return median(ratios);
+}
+
+double peak_bytes_per_cell(const std::vector<Model>& models, const std::string& name) {
+  const Model* m = find(models, name);
+  if (m == nullptr || !m->ok || m->cells <= 0) return std::numeric_limits<double>::quiet_NaN();
+  return static_cast<double>(m->peak_kib) * 1024.0 / static_cast<double>(m->cells);
+}
+
+void print_models(const std::vector<Model>& models, bool with_other) {
+  std::cout << pad("model", 24) << pad("cells", 10) << pad("inter us", 10) << pad("wall s", 9) << pad("sys %", 7)
+            << pad("B/cell", 8);
+  if (with_other) std::cout << pad("other s", 9) << pad("ratio", 7) << pad("same", 6);
+  std::cout << "\n";
+  for (const Model& m : models) {
+    std::cout << pad(m.name, 24) << pad(std::to_string(m.cells), 10);
+    if (!m.ok) {
+      std::cout << "  (a run did not finish)\n";
+      continue;
+    }
+    std::cout << pad(fixed(median(m.inter_per_cell), 2), 10) << pad(fixed(median(m.wall), 2), 9)
+              << pad(fixed(100.0 * median(m.system_share), 1), 7)
+              << pad(std::to_string(static_cast<long>(peak_bytes_per_cell(models, m.name))), 8);
+    if (with_other) {
+      std::cout << pad(fixed(median(m.other_wall), 2), 9) << pad(fixed(median(m.wall_ratio), 3), 7)
+                << pad(m.same ? "yes" : "NO", 6);
+    }
+    std::cout << "\n";
+  }
+}
+
+// Prints the models' table and the targets'; the scratch folder stays
+// when a run failed, with its screen.
+int finish(const std::vector<Model>& models, bool with_other, const TargetOptions& options, const fs::path& scratch) {
+  std::cout << "\n";
+  print_models(models, with_other);
+
+  std::vector<Target> targets = {
+      {"GIS-like 500 vertices, interior us per cell / family 3e4's",
+       per_cell_ratio(models, "GIS-like 500 vertices", "family 3e4"), 1.5, 2},
+      {"GIS-like 2000 vertices, interior us per cell / family 1e5's",
+       per_cell_ratio(models, "GIS-like 2000 vertices", "family 1e5"), 1.5, 2},
+      {"GIS-like 8000 vertices, interior us per cell / family 3e5's",
+       per_cell_ratio(models, "GIS-like 8000 vertices", "family 3e5"), 1.5, 2},
+      {"family 1e6, 3 passes, wall s", measured(models, "family 1e6, 3 passes", &Model::wall), 15.0, 2},
+      {"family 1e6, 3 passes, system share of processor time",
+       measured(models, "family 1e6, 3 passes", &Model::system_share), 0.10, 3},
+      {"family 1e6, 30 passes, wall s", measured(models, "family 1e6, 30 passes", &Model::wall), 40.0, 2},
+      {"family 1e6, 30 passes, system share of processor time",
+       measured(models, "family 1e6, 30 passes", &Model::system_share), 0.10, 3},
+  };
+  if (options.with_1e7) {
+    targets.push_back({"family 1e7, 3 passes, wall s", measured(models, "family 1e7, 3 passes", &Model::wall), 240.0, 1});
+    targets.push_back(
+        {"family 1e7, 3 passes, peak bytes per cell", peak_bytes_per_cell(models, "family 1e7, 3 passes"), 600.0, 0});
+  }
+  std::cout << "\n" << target_table(targets);
+  std::cout << "\nDTRIS2 against CGAL on the same points: make bench-triangulation.\n";
+  bool all_ok = true;
+  for (const Model& m : models) all_ok = all_ok && m.ok;
+  if (all_ok) fs::remove_all(scratch);
+  return all_ok ? 0 : 1;
+}
+
+}  // namespace
+
+int run_targets(const TargetOptions& options) {
+  std::vector<Model> models = target_models(options.with_1e7);
+  const bool with_other = !options.other_binary.empty();
+  const fs::path scratch = tesseramill::fresh_temporary_folder("tesseramill_targets_");
+  std::cout << "The speed targets, "
+            << (options.rounds == 1 ? std::string("from one round")
+                                    : "medians of " + std::to_string(options.rounds) + " rounds")
+            << "; within a round each model runs in turn"
+            << (with_other ? ", this build first, then the other" : "") << ".\n\n";
+  for (int round = 1; round <= options.rounds; ++round) {
+    for (std::size_t k = 0; k < models.size(); ++k) {
+      Model& m = models[k];
+      if (!m.ok) continue;
+      // Each run has a fresh folder of its own, removed once it is measured
+      // (and, for the first round, compared), so that the scratch space
+      // holds at most two runs' files: ten million cells write some 30 GB.
+      const fs::path mine = scratch / "this";
+      const fs::path theirs = scratch / "other";
+      fs::remove_all(mine);
+      fs::remove_all(theirs);
+      write_model(m.recipe, mine);
+      const Timing t = time_library(mine, false);
+      std::cout << "round " << round << ", " << m.name << ": " << fixed(t.wall, 2) << " s" << std::flush;
+      if (!t.ok || t.cells <= 0) {
+        std::cout << ", did not finish: see " << (mine / "screen.txt").string() << "\n";
+        m.ok = false;
+        return finish(models, with_other, options, scratch);
+      }
+      m.cells = t.cells;
+      m.peak_kib = std::max(m.peak_kib, t.peak_kib);
+      m.inter_per_cell.push_back(t.phase[4] * 1e6 / static_cast<double>(t.cells));
+      m.wall.push_back(t.wall);
+      const double processor = t.user + t.system;
+      if (processor > 0.0) m.system_share.push_back(t.system / processor);
+      if (with_other) {
+        write_model(m.recipe, theirs);
+        const Timing o = time_binary(options.other_binary, theirs);
+        std::cout << ", other " << fixed(o.wall, 2) << " s" << std::flush;
+        if (!o.ok) {
+          std::cout << ", did not finish: see " << (theirs / "screen.txt").string() << "\n";
+          m.ok = false;
+          return finish(models, with_other, options, scratch);
+        }
+        m.other_wall.push_back(o.wall);
+        m.wall_ratio.push_back(t.wall / o.wall);
+        if (round == 1) m.same = same_files(mine, theirs);
+      }
+      std::cout << "\n";
+    }
+  }
+  return finish(models, with_other, options, scratch);
+}
+
+}  // namespace tesseramill_bench
