@@ -51,7 +51,8 @@ bench:
 # time; each model in turn, medians of 3 rounds (about 5 minutes).
 # TARGETS_ARGS="--binary OTHER/tesseramill" also times another build on each
 # model and compares its files; "--with-1e7" adds ten million cells (about
-# 4 minutes a round); "--rounds N" sets the rounds.
+# 4 minutes a round and 30 GB of scratch files, twice that with --binary);
+# "--rounds N" sets the rounds.
 bench-targets:
 	cmake -S . -B $(BUILD)
 	cmake --build $(BUILD) -j 2 --target tesseramill-bench

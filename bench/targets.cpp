@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -33,8 +34,11 @@ struct Model {
 };
 
 Model model(const std::string& name, ModelRecipe recipe, int max_lloyd) {
-  recipe.max_lloyd = max_lloyd;
-  return {name, recipe, {}, {}, {}, {}, {}, 0, 0, true, true};
+  Model m;
+  m.name = name;
+  m.recipe = recipe;
+  m.recipe.max_lloyd = max_lloyd;
+  return m;
 }
 
 // The family's models of about the cells of each GIS-like one, for the
@@ -126,7 +130,8 @@ int finish(const std::vector<Model>& models, bool with_other, const TargetOption
        measured(models, "family 1e6, 30 passes", &Model::system_share), 0.10, 3},
   };
   if (options.with_1e7) {
-    targets.push_back({"family 1e7, 3 passes, wall s", measured(models, "family 1e7, 3 passes", &Model::wall), 240.0, 1});
+    targets.push_back(
+        {"family 1e7, 3 passes, wall s", measured(models, "family 1e7, 3 passes", &Model::wall), 240.0, 1});
     targets.push_back(
         {"family 1e7, 3 passes, peak bytes per cell", peak_bytes_per_cell(models, "family 1e7, 3 passes"), 600.0, 0});
   }
@@ -150,12 +155,11 @@ int run_targets(const TargetOptions& options) {
             << "; within a round each model runs in turn"
             << (with_other ? ", this build first, then the other" : "") << ".\n\n";
   for (int round = 1; round <= options.rounds; ++round) {
-    for (std::size_t k = 0; k < models.size(); ++k) {
-      Model& m = models[k];
-      if (!m.ok) continue;
+    for (Model& m : models) {
       // Each run has a fresh folder of its own, removed once it is measured
       // (and, for the first round, compared), so that the scratch space
-      // holds at most two runs' files: ten million cells write some 30 GB.
+      // holds at most the two builds' files of one model: ten million cells
+      // write some 30 GB a run.
       const fs::path mine = scratch / "this";
       const fs::path theirs = scratch / "other";
       fs::remove_all(mine);

@@ -373,7 +373,9 @@ ChildRun run_child(const std::filesystem::path& folder, const std::string& progr
     run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
     run.signal = WIFSIGNALED(raw) ? WTERMSIG(raw) : 0;
     run.peak_kib = usage.ru_maxrss;
-    auto seconds = [](const timeval& t) { return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) * 1e-6; };
+    auto seconds = [](const timeval& t) {
+      return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) * 1e-6;
+    };
     run.user_seconds = seconds(usage.ru_utime);
     run.system_seconds = seconds(usage.ru_stime);
   }
