@@ -7,12 +7,6 @@
 
 namespace tesseramill_bench {
 
-namespace {
-
-std::string number(double value, int decimals) { return std::isnan(value) ? "-" : fixed(value, decimals); }
-
-}  // namespace
-
 double median(std::vector<double> values) {
   if (values.empty()) return std::numeric_limits<double>::quiet_NaN();
   std::sort(values.begin(), values.end());
@@ -26,8 +20,8 @@ std::string target_table(const std::vector<Target>& targets) {
   std::string table = pad_left_aligned("target", width) + pad("measured", 11) + pad("limit", 10) + "  met\n";
   for (const Target& t : targets) {
     const char* met = std::isnan(t.measured) ? "not measured" : t.measured <= t.limit ? "yes" : "NO";
-    table += pad_left_aligned(t.what, width) + pad(number(t.measured, t.decimals), 11) +
-             pad(number(t.limit, t.decimals), 10) + "  " + met + "\n";
+    table += pad_left_aligned(t.what, width) + pad(fixed_or_dash(t.measured, t.decimals), 11) +
+             pad(fixed_or_dash(t.limit, t.decimals), 10) + "  " + met + "\n";
   }
   return table;
 }

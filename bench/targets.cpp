@@ -99,7 +99,7 @@ void print_models(const std::vector<Model>& models, bool with_other) {
       continue;
     }
     std::cout << pad(fixed(median(m.inter_per_cell), 2), 10) << pad(fixed(median(m.wall), 2), 9)
-              << pad(fixed(100.0 * median(m.system_share), 1), 7)
+              << pad(fixed_or_dash(100.0 * median(m.system_share), 1), 7)
               << pad(std::to_string(static_cast<long>(peak_bytes_per_cell(models, m.name))), 8);
     if (with_other) {
       std::cout << pad(fixed(median(m.other_wall), 2), 9) << pad(fixed(median(m.wall_ratio), 3), 7)
