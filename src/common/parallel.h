@@ -5,12 +5,15 @@
 // that a single pass in order would meet first.
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <exception>
+#include <iterator>
 #include <limits>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace tesseramill {
 
@@ -65,6 +68,49 @@ PartFailure run_in_parts(std::size_t count, Work work,
   if (thrown) std::rethrow_exception(thrown);
   // The first half holds the lower items.
   return first.failed() ? first : second;
+}
+
+// Sorts [first, last) by `less`, a strict weak order, on two threads when
+// there are at least `smallest` items.  The items are split round a pivot,
+// the median of a sample spread evenly over them: those before the pivot
+// go first, the rest after, and each side is then sorted on a thread of
+// its own.  Every item of the first side is before the pivot and no item
+// of the second is, so the joined sides are in order: the result is a
+// sorted sequence, which is unique up to the order of items that are
+// equivalent (neither before the other).  Where no two items are
+// equivalent it is therefore the very sequence std::sort gives; where some
+// are, their order among themselves may differ, as it may between any two
+// runs of std::sort, which promises none.  The sample only sets how evenly
+// the work is split: a pivot that many items equal leaves more of them on
+// the second side.
+template <typename It, typename Less>
+void sort_in_parts(It first, It last, Less less,
+                   std::size_t smallest = smallest_shared_work.load(std::memory_order_relaxed)) {
+  const std::size_t count = static_cast<std::size_t>(std::distance(first, last));
+  if (count < smallest || count < 2) {
+    std::sort(first, last, less);
+    return;
+  }
+  using Item = typename std::iterator_traits<It>::value_type;
+  constexpr std::size_t kSample = 255;
+  const std::size_t taken = std::min(kSample, count);
+  std::vector<Item> sample;
+  sample.reserve(taken);
+  for (std::size_t k = 0; k < taken; ++k) sample.push_back(first[static_cast<std::ptrdiff_t>(k * count / taken)]);
+  std::nth_element(sample.begin(), sample.begin() + static_cast<std::ptrdiff_t>(taken / 2), sample.end(), less);
+  const Item pivot = sample[taken / 2];
+  const It middle = std::partition(first, last, [&](const Item& item) { return less(item, pivot); });
+  run_in_parts(
+      2,
+      [&](std::size_t, std::size_t, int part) {
+        if (part == 0) {
+          std::sort(first, middle, less);
+        } else {
+          std::sort(middle, last, less);
+        }
+        return PartFailure{};
+      },
+      2);
 }
 
 // A piece of work that runs on a thread of its own beside the caller's,

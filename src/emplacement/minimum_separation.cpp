@@ -4,6 +4,8 @@
 #include <cmath>
 #include <vector>
 
+#include "common/parallel.h"
+
 namespace tesseramill {
 
 namespace {
@@ -41,25 +43,37 @@ double minimum_separation(const MeshPointList& mesh) {
   };
   std::vector<Place> sorted(static_cast<std::size_t>(n));
   for (std::int32_t a = 0; a < n; ++a) sorted[static_cast<std::size_t>(a)] = {p[2 * a], p[2 * a + 1]};
-  std::sort(sorted.begin(), sorted.end(), [](const Place& a, const Place& b) { return a.x < b.x; });
+  sort_in_parts(sorted.begin(), sorted.end(), [](const Place& a, const Place& b) { return a.x < b.x; });
   // The squared distance of a pair is the same bit for bit whichever point
   // comes first, since a rounded difference only changes sign when its
   // operands swap.  For a point, the later points in x order have
   // differences in x that only grow, and their squares with them; once that
   // square reaches min2, the rounded sum with dy * dy does too, so no later
   // point can lower min2 and the scan moves on.
-  double min2 = kLargest;
-  for (std::size_t i = 0; i < sorted.size(); ++i) {
-    const double xi = sorted[i].x;
-    const double yi = sorted[i].y;
-    for (std::size_t j = i + 1; j < sorted.size(); ++j) {
-      const double dx = xi - sorted[j].x;
-      const double dx2 = dx * dx;
-      if (dx2 >= min2) break;
-      const double dy = yi - sorted[j].y;
-      min2 = std::min(min2, dx2 + dy * dy);
+  //
+  // The first points of the pairs are shared between the two cores, each
+  // part with a minimum of its own: by the same argument a part's minimum
+  // is that of all the pairs whose first point is its own, the smaller of
+  // the two minima is that of all pairs, and taking a minimum rounds
+  // nothing.
+  double part_min2[2] = {kLargest, kLargest};
+  run_in_parts(sorted.size(), [&](std::size_t begin, std::size_t end, int part) {
+    double min2 = kLargest;
+    for (std::size_t i = begin; i < end; ++i) {
+      const double xi = sorted[i].x;
+      const double yi = sorted[i].y;
+      for (std::size_t j = i + 1; j < sorted.size(); ++j) {
+        const double dx = xi - sorted[j].x;
+        const double dx2 = dx * dx;
+        if (dx2 >= min2) break;
+        const double dy = yi - sorted[j].y;
+        min2 = std::min(min2, dx2 + dy * dy);
+      }
     }
-  }
+    part_min2[part] = min2;
+    return PartFailure{};
+  });
+  const double min2 = std::min(part_min2[0], part_min2[1]);
   return std::sqrt(min2);
 }
 

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <ostream>
 
+#include "common/parallel.h"
 #include "output/number_format.h"
 #include "triangulation/dtris2_insertion.h"
 #include "triangulation/dtris2_tests.h"
@@ -366,13 +367,23 @@ int triangulate_sorted(Mesh& m, std::int32_t n, std::int32_t& triangle_count) {
 // it to the heap sort.
 bool sort_exactly(const double* points, std::int32_t n, std::int32_t* sort_index, std::vector<Dtris2Key>& keys) {
   keys.resize(static_cast<std::size_t>(n));
-  for (std::int32_t k = 0; k < n; ++k) {
-    const double x = points[2 * static_cast<std::size_t>(k)];
-    const double y = points[2 * static_cast<std::size_t>(k) + 1];
-    if (!std::isfinite(x) || !std::isfinite(y)) return false;
-    keys[static_cast<std::size_t>(k)] = {x, y, k + 1};
-  }
-  std::sort(keys.begin(), keys.end(), [](const Dtris2Key& a, const Dtris2Key& b) {
+  // Each key is made by itself, on both cores.
+  const PartFailure unsortable = run_in_parts(keys.size(), [&](std::size_t begin, std::size_t end, int) {
+    for (std::size_t k = begin; k < end; ++k) {
+      const double x = points[2 * k];
+      const double y = points[2 * k + 1];
+      if (!std::isfinite(x) || !std::isfinite(y)) return PartFailure{k, {}};
+      keys[k] = {x, y, static_cast<std::int32_t>(k) + 1};
+    }
+    return PartFailure{};
+  });
+  if (unsortable.failed()) return false;
+  // The first sort is shared between the two cores.  It gives the one
+  // sorted order wherever no two points are equal in both x and y; two that
+  // are fall in one run with y equal by the rule, which leaves the order to
+  // the heap sort whichever way round they came out, as the checks below
+  // read only the x and y values in their sorted sequence.
+  sort_in_parts(keys.begin(), keys.end(), [](const Dtris2Key& a, const Dtris2Key& b) {
     return a.x < b.x || (a.x == b.x && a.y < b.y);
   });
   const std::size_t count = keys.size();
@@ -396,7 +407,10 @@ bool sort_exactly(const double* points, std::int32_t n, std::int32_t* sort_index
     }
     first = end;
   }
-  for (std::int32_t k = 0; k < n; ++k) sort_index[k] = keys[static_cast<std::size_t>(k)].index;
+  run_in_parts(keys.size(), [&](std::size_t begin, std::size_t end, int) {
+    for (std::size_t k = begin; k < end; ++k) sort_index[k] = keys[k].index;
+    return PartFailure{};
+  });
   return true;
 }
 
@@ -423,12 +437,17 @@ int DTRIS2(std::int32_t n, const double* points, std::int32_t* sort_index, std::
   work.sorted_points.resize(2 * static_cast<std::size_t>(n));
   work.identity.resize(static_cast<std::size_t>(n));
   work.triangles.resize(12 * static_cast<std::size_t>(std::max(n, 2)));
-  for (std::int32_t k = 0; k < n; ++k) {
-    const std::size_t from = 2 * static_cast<std::size_t>(sort_index[k] - 1);
-    work.sorted_points[2 * static_cast<std::size_t>(k)] = points[from];
-    work.sorted_points[2 * static_cast<std::size_t>(k) + 1] = points[from + 1];
-    work.identity[static_cast<std::size_t>(k)] = k + 1;
-  }
+  // Each point is copied by itself, so the copying is shared between the
+  // two cores, as is the copying back of each triangle below.
+  run_in_parts(static_cast<std::size_t>(std::max(n, 0)), [&](std::size_t begin, std::size_t end, int) {
+    for (std::size_t k = begin; k < end; ++k) {
+      const std::size_t from = 2 * static_cast<std::size_t>(sort_index[k] - 1);
+      work.sorted_points[2 * k] = points[from];
+      work.sorted_points[2 * k + 1] = points[from + 1];
+      work.identity[k] = static_cast<std::int32_t>(k) + 1;
+    }
+    return PartFailure{};
+  });
   // Each triangle's corners and neighbours side by side, as the walks and
   // swaps read them together; copied into the two tables at the end.  The
   // insertion of dtris2_insertion.cpp takes the literal steps' every
@@ -446,14 +465,17 @@ int DTRIS2(std::int32_t n, const double* points, std::int32_t* sort_index, std::
   // The fast insertion codes a neighbour as 3u + f, with the edge f of u
   // that it lies across.
   const bool coded = fast == FastInsertion::kDone;
-  for (std::size_t t = 0; t < static_cast<std::size_t>(triangle_count); ++t) {
-    const std::int32_t* from = &work.triangles[6 * t];
-    for (std::size_t e = 0; e < 3; ++e) {
-      tri_vertex[3 * t + e] = sort_index[from[e] - 1];
-      const std::int32_t across = from[3 + e];
-      tri_neighbour[3 * t + e] = coded && across > 0 ? across / 3 : across;
+  run_in_parts(static_cast<std::size_t>(std::max(triangle_count, 0)), [&](std::size_t begin, std::size_t end, int) {
+    for (std::size_t t = begin; t < end; ++t) {
+      const std::int32_t* from = &work.triangles[6 * t];
+      for (std::size_t e = 0; e < 3; ++e) {
+        tri_vertex[3 * t + e] = sort_index[from[e] - 1];
+        const std::int32_t across = from[3 + e];
+        tri_neighbour[3 * t + e] = coded && across > 0 ? across / 3 : across;
+      }
     }
-  }
+    return PartFailure{};
+  });
   return ierror;
 }
 

@@ -2,6 +2,7 @@
 // every item once, and carries an exception out of the helper thread.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <filesystem>
 #include <fstream>
@@ -10,6 +11,7 @@
 #include <vector>
 
 #include "common/parallel.h"
+#include "support/random.h"
 
 namespace tesseramill {
 namespace {
@@ -91,6 +93,59 @@ TEST(RunInParts, AnExceptionOfTheHelperReachesTheCaller) {
                               return PartFailure{};
                             }),
                std::runtime_error);
+}
+
+// Sorting in two parts gives std::sort's order where no two items are
+// equivalent: random, ascending, descending and nearly ascending values,
+// counts round the sample's size, on both cores and on one.
+TEST(SortInParts, GivesTheOneSortedOrderOfDistinctItems) {
+  tesseramill_test::Random random(71);
+  auto less = [](double a, double b) { return a < b; };
+  for (std::size_t count : {0, 1, 2, 3, 10, 254, 255, 256, 1000, 40001}) {
+    for (int shape = 0; shape < 4; ++shape) {
+      std::vector<double> items;
+      for (std::size_t k = 0; k < count; ++k) items.push_back(random.uniform(-1e6, 1e6));
+      if (shape == 1) std::sort(items.begin(), items.end());
+      if (shape == 2) std::sort(items.rbegin(), items.rend());
+      if (shape == 3 && count > 1) {
+        // Ascending but for the largest, which comes first.
+        std::sort(items.begin(), items.end());
+        std::rotate(items.begin(), items.end() - 1, items.end());
+      }
+      std::vector<double> expected = items;
+      std::sort(expected.begin(), expected.end());
+      for (std::size_t smallest : {std::size_t{2}, kSmallestSharedWork}) {
+        std::vector<double> sorted = items;
+        sort_in_parts(sorted.begin(), sorted.end(), less, smallest);
+        ASSERT_EQ(sorted, expected) << count << " items, shape " << shape << ", shared from " << smallest;
+      }
+    }
+  }
+}
+
+// Equivalent items (equal keys, different tags) come out together, in
+// order of key, each item once, however many share the pivot's key.
+TEST(SortInParts, KeepsEveryItemAndOrdersEquivalentOnesTogether) {
+  tesseramill_test::Random random(72);
+  struct Item {
+    int key;
+    int tag;
+  };
+  auto by_key = [](const Item& a, const Item& b) { return a.key < b.key; };
+  auto by_key_and_tag = [](const Item& a, const Item& b) { return a.key < b.key || (a.key == b.key && a.tag < b.tag); };
+  for (int keys : {1, 2, 3, 17, 1000}) {
+    std::vector<Item> items;
+    for (int k = 0; k < 5000; ++k) items.push_back({static_cast<int>(random.uniform(0, keys)), k});
+    std::vector<Item> sorted = items;
+    sort_in_parts(sorted.begin(), sorted.end(), by_key, 2);
+    ASSERT_TRUE(std::is_sorted(sorted.begin(), sorted.end(), by_key)) << keys << " keys";
+    std::sort(items.begin(), items.end(), by_key_and_tag);
+    std::sort(sorted.begin(), sorted.end(), by_key_and_tag);
+    for (std::size_t k = 0; k < items.size(); ++k) {
+      ASSERT_EQ(sorted[k].key, items[k].key) << keys << " keys, item " << k;
+      ASSERT_EQ(sorted[k].tag, items[k].tag) << keys << " keys, item " << k;
+    }
+  }
 }
 
 // The Windows build emulates thread-local storage, which may be released

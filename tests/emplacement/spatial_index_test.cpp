@@ -13,6 +13,7 @@
 #include "geometry/planar_tools.h"
 #include "geometry/segment_index.h"
 #include "support/random.h"
+#include "support/whole_run.h"
 
 namespace tesseramill {
 namespace {
@@ -199,6 +200,9 @@ TEST(MinimumSeparation, SweepGivesTheAllPairsMinimum) {
     }
     const MeshPointList mesh = mesh_of(points);
     ASSERT_EQ(minimum_separation(mesh), minimum_separation_reference(mesh)) << trial;
+    // The sort and the scan shared between the two cores from 2 points on.
+    const tesseramill_test::SharedFrom shared(2);
+    ASSERT_EQ(minimum_separation(mesh), minimum_separation_reference(mesh)) << trial << " shared";
   }
   // A lattice where many pairs tie exactly.
   std::vector<double> lattice;
@@ -206,6 +210,10 @@ TEST(MinimumSeparation, SweepGivesTheAllPairsMinimum) {
     for (int j = 0; j < 40; ++j) lattice.insert(lattice.end(), {1000.0 + 2.5 * i, 3000.0 + 2.5 * j});
   }
   EXPECT_EQ(minimum_separation(mesh_of(lattice)), minimum_separation_reference(mesh_of(lattice)));
+  {
+    const tesseramill_test::SharedFrom shared(2);
+    EXPECT_EQ(minimum_separation(mesh_of(lattice)), minimum_separation_reference(mesh_of(lattice)));
+  }
   EXPECT_EQ(minimum_separation(mesh_of({5, 5})), minimum_separation_reference(mesh_of({5, 5})));
 }
 

@@ -40,6 +40,10 @@ OneCore::~OneCore() {
   tesseramill::smallest_shared_cycle = tesseramill::kSmallestSharedCycle;
 }
 
+SharedFrom::SharedFrom(std::size_t count) { tesseramill::smallest_shared_work = count; }
+
+SharedFrom::~SharedFrom() { tesseramill::smallest_shared_work = tesseramill::kSmallestSharedWork; }
+
 void expect_same_runs(const WholeRun& expected, const WholeRun& actual) {
   EXPECT_EQ(actual.screen, expected.screen);
   ASSERT_EQ(actual.files.size(), expected.files.size());

@@ -2,6 +2,7 @@
 // screen and every file the run wrote.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -27,6 +28,17 @@ class OneCore {
   ~OneCore();
   OneCore(const OneCore&) = delete;
   OneCore& operator=(const OneCore&) = delete;
+};
+
+// Shares every piece of work of at least `count` items between the two
+// cores, for the life of the object, so that small inputs take the shared
+// paths too.
+class SharedFrom {
+ public:
+  explicit SharedFrom(std::size_t count);
+  ~SharedFrom();
+  SharedFrom(const SharedFrom&) = delete;
+  SharedFrom& operator=(const SharedFrom&) = delete;
 };
 
 // Expects two runs to have written the same screen and the same files, byte

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "support/random.h"
+#include "support/whole_run.h"
 #include "triangulation/dtris2.h"
 
 namespace tesseramill {
@@ -192,6 +193,48 @@ TEST(Dtris2Insertion, CocircularRingsAndJitteredHexagonalGrids) {
       }
     }
     EXPECT_EQ(expect_same(grid, work, "hexagonal " + std::to_string(trial)), 0);
+  }
+}
+
+// The first sort shared between the two cores (from 2 points on) gives the
+// heap sort's order too, or leaves it to the heap sort where points are
+// equal: uniform sets, a lattice with points on its edges and exact and
+// near copies, and vertical runs of equal x.
+TEST(Dtris2Insertion, TheSharedSortGivesTheSameTables) {
+  const tesseramill_test::SharedFrom shared(2);
+  tesseramill_test::Random random(185);
+  Dtris2Workspace work;
+  for (int trial = 0; trial < 30; ++trial) {
+    std::vector<double> points;
+    const int n = 3 + (trial * trial * 11) % 2500;
+    for (int k = 0; k < n; ++k) {
+      points.push_back(4.5e6 + random.uniform(0, 2000));
+      points.push_back(4.5e6 + random.uniform(0, 700));
+    }
+    EXPECT_EQ(expect_same(points, work, "shared uniform trial " + std::to_string(trial)), 0);
+  }
+  for (int trial = 0; trial < 12; ++trial) {
+    std::vector<double> points = lattice(20, 15, 1000.0, 1000.0);
+    for (int k = 0; k < 30; ++k) {
+      points.push_back(1000.0 + 10.0 * std::floor(random.uniform(0, 19)) + 5.0);
+      points.push_back(1000.0 + 10.0 * std::floor(random.uniform(0, 14)) + (trial % 2 == 0 ? 0.0 : 5.0));
+    }
+    // An exact copy, a copy within the tolerance, or a point just beyond it.
+    const std::size_t copy = 2 * static_cast<std::size_t>(7 * trial);
+    const double factor = trial % 3 == 0 ? 1.0 : trial % 3 == 1 ? 1.0 + 1e-15 : 1.0 + 1e-12;
+    points.push_back(points[copy] * factor);
+    points.push_back(points[copy + 1]);
+    expect_same(points, work, "shared lattice trial " + std::to_string(trial));
+  }
+  for (int columns : {1, 3, 50}) {
+    std::vector<double> points;
+    for (int i = 0; i < columns; ++i) {
+      for (int k = 0; k < 40; ++k) {
+        points.push_back(1000.0 + 3.0 * i);
+        points.push_back(1000.0 + 2.0 * ((k * 17) % 40));
+      }
+    }
+    EXPECT_EQ(expect_same(points, work, "shared columns " + std::to_string(columns)), columns == 1 ? 225 : 0);
   }
 }
 
