@@ -61,6 +61,18 @@ using tesseramill_bench::time_library;
 
 namespace {
 
+using tesseramill::Phase;
+
+// The columns read, bound, inter, lloyd, write and total of a run.
+std::string phase_columns(const Timing& t) {
+  const double read = t.seconds(Phase::kReadControlFile) + t.seconds(Phase::kReadBoundaryFiles) +
+                      t.seconds(Phase::kCheckBoundaries);
+  const double write = t.seconds(Phase::kWriteFinalFiles) + t.seconds(Phase::kWriteMf6Files);
+  return pad(fixed(read, 2), 7) + pad(fixed(t.seconds(Phase::kPopulateBoundaries), 2), 7) +
+         pad(fixed(t.seconds(Phase::kPopulateInterior), 2), 8) + pad(fixed(t.seconds(Phase::kLloydIterations), 2), 8) +
+         pad(fixed(write, 2), 7) + pad(fixed(t.total_seconds(), 2), 8);
+}
+
 struct Row {
   std::string name;
   ModelRecipe recipe;
@@ -130,15 +142,12 @@ void run_gis_family(const std::vector<int>& sizes, const fs::path& scratch) {
     fs::remove_all(scratch);
     tesseramill_bench::write_model(tesseramill_bench::gis_model(n), folder);
     const Timing t = time_library(folder, false);
-    double total = 0.0;
-    for (double s : t.phase) total += s;
+    const double total = t.total_seconds();
     const double cells = t.cells > 0 ? static_cast<double>(t.cells) : 1.0;
     std::cout << pad("gis " + std::to_string(n) + " vertices", 26) << pad(std::to_string(t.cells), 9)
-              << pad(fixed(t.phase[0] + t.phase[1] + t.phase[2], 2), 7) << pad(fixed(t.phase[3], 2), 7)
-              << pad(fixed(t.phase[4], 2), 8) << pad(fixed(t.phase[5], 2), 8)
-              << pad(fixed(t.phase[6] + t.phase[7], 2), 7) << pad(fixed(total, 2), 8)
+              << phase_columns(t)
               << pad(t.cells > 0 ? std::to_string(t.peak_kib * 1024 / t.cells) : "-", 8)
-              << pad(fixed(t.phase[4] * 1e6 / cells, 1), 10) << pad(fixed(total * 1e6 / cells, 1), 10);
+              << pad(fixed(t.seconds(Phase::kPopulateInterior) * 1e6 / cells, 1), 10) << pad(fixed(total * 1e6 / cells, 1), 10);
     if (!t.ok) std::cout << "  (run did not finish: see " << (folder / "screen.txt").string() << ")";
     std::cout << std::endl;
     if (t.ok) fs::remove_all(scratch);
@@ -228,19 +237,14 @@ int main(int argc, char** argv) {
     fs::remove_all(scratch);
     tesseramill_bench::write_model(row.recipe, fast);
     const Timing t = time_library(fast, false);
-    double total = 0.0;
-    for (double s : t.phase) total += s;
+    const double total = t.total_seconds();
     std::cout << pad(row.name, 26) << pad(std::to_string(t.cells), 9)
-              << pad(fixed(t.phase[0] + t.phase[1] + t.phase[2], 2), 7) << pad(fixed(t.phase[3], 2), 7)
-              << pad(fixed(t.phase[4], 2), 8) << pad(fixed(t.phase[5], 2), 8)
-              << pad(fixed(t.phase[6] + t.phase[7], 2), 7) << pad(fixed(total, 2), 8)
+              << phase_columns(t)
               << pad(t.cells > 0 ? std::to_string(t.peak_kib * 1024 / t.cells) : "-", 8);
     if (row.with_reference) {
       tesseramill_bench::write_model(row.recipe, reference);
       const Timing r = time_library(reference, true);
-      double reference_total = 0.0;
-      for (double s : r.phase) reference_total += s;
-      std::cout << pad(fixed(reference_total / total, 1), 8) << pad(same_files(fast, reference) ? "yes" : "NO", 6);
+      std::cout << pad(fixed(r.total_seconds() / total, 1), 8) << pad(same_files(fast, reference) ? "yes" : "NO", 6);
     } else {
       std::cout << pad("-", 8) << pad("-", 6);
     }

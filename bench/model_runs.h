@@ -22,6 +22,13 @@ struct Timing {
   double user = 0.0;
   double system = 0.0;
   long peak_kib = 0;
+
+  double seconds(tesseramill::Phase p) const { return phase[static_cast<std::size_t>(p)]; }
+  double total_seconds() const {
+    double total = 0.0;
+    for (double s : phase) total += s;
+    return total;
+  }
 };
 
 // The child's side of time_library: runs model.in in the current folder

@@ -174,7 +174,7 @@ int run_targets(const TargetOptions& options) {
       }
       m.cells = t.cells;
       m.peak_kib = std::max(m.peak_kib, t.peak_kib);
-      m.inter_per_cell.push_back(t.phase[4] * 1e6 / static_cast<double>(t.cells));
+      m.inter_per_cell.push_back(t.seconds(tesseramill::Phase::kPopulateInterior) * 1e6 / static_cast<double>(t.cells));
       m.wall.push_back(t.wall);
       const double processor = t.user + t.system;
       if (processor > 0.0) m.system_share.push_back(t.system / processor);
