@@ -48,7 +48,8 @@ bench:
 
 # The speed targets: the GIS-like divides' interior cost per cell against
 # the family's, the million cells with 3 and 30 Lloyd passes, their system
-# time; each model in turn, medians of 3 rounds (about 5 minutes).
+# time, and the 3 passes again in the folder of their first run; each model
+# in turn, medians of 3 rounds (about 6 minutes).
 # TARGETS_ARGS="--binary OTHER/tesseramill" also times another build on each
 # model and compares its files; "--with-1e7" adds ten million cells (about
 # 4 minutes a round and 30 GB of scratch files, twice that with --binary);
