@@ -34,6 +34,37 @@ void coordinate_line(std::string& text, double x, double y, std::string_view lea
   text.append(line, static_cast<std::size_t>(p - line));
 }
 
+// Fills two sets of files, `first` and then `second` as one thread does, or
+// side by side on a thread each when they hold `items` items, enough for a
+// second thread to pay.  The files are apart, and each gets the bytes it
+// gets when filled alone.  When `first` fails (memory that runs out), one
+// thread would not have begun `second`: once it has stopped, its files are
+// left empty again by `empty_second`, as they stood when opened, and the
+// failure of `first` goes on.  A failure of `second` alone leaves the files
+// one thread leaves, as `first` ends whole either way.
+template <typename First, typename Second, typename EmptySecond>
+void fill_side_by_side(std::size_t items, First first, Second second, EmptySecond empty_second) {
+  if (items < smallest_shared_work.load(std::memory_order_relaxed)) {
+    first();
+    second();
+    return;
+  }
+  BackgroundJob beside;
+  beside.start(second);
+  try {
+    first();
+  } catch (...) {
+    try {
+      beside.finish();
+    } catch (...) {
+      // The failure of `first` is the one that one thread meets.
+    }
+    empty_second();
+    throw;
+  }
+  beside.finish();
+}
+
 }  // namespace
 
 void open_triangle_map_files(RunState& state, TriangleMapFiles& files) {
@@ -41,9 +72,9 @@ void open_triangle_map_files(RunState& state, TriangleMapFiles& files) {
   open_output(state, files.mid, stamped_name(state, "_triangles_", ".mid"));
 }
 
-void fill_triangle_map_files(const RunState& state, TriangleMapFiles& files) {
-  OutputFile& mif = files.mif;
-  OutputFile& mid = files.mid;
+namespace {
+
+void fill_triangle_mif(const RunState& state, OutputFile& mif) {
   for (const char* head : {"Version 2", "Delimiter \",\"", "Columns 5", "   itri Integer",
                            "   tnbr_1 Integer", "   tnbr_2 Integer", "   tnbr_3 Integer",
                            "   itstat Integer", "Data"}) {
@@ -51,9 +82,8 @@ void fill_triangle_map_files(const RunState& state, TriangleMapFiles& files) {
   }
   const TriangleTable& tt = state.triangles;
   const std::vector<double>& p = state.mesh.mesh_points;
-  const std::size_t triangles = static_cast<std::size_t>(tt.triangle_count);
   // A triangle outside the domain has no lines in either file.
-  put_items(mif, triangles, [&](std::size_t k, std::string& text) {
+  put_items(mif, static_cast<std::size_t>(tt.triangle_count), [&](std::size_t k, std::string& text) {
     if (tt.itstat[k] == -1) return;
     text += " \nRegion 1\n   3\n";
     double corner[3][2];
@@ -67,7 +97,12 @@ void fill_triangle_map_files(const RunState& state, TriangleMapFiles& files) {
     const double cy = (corner[0][1] + corner[1][1] + corner[2][1]) * 0.3333333333333333 + state.y_offset;
     coordinate_line(text, cx, cy, "Center");
   });
-  put_items(mid, triangles, [&](std::size_t k, std::string& text) {
+  close_output(mif);
+}
+
+void fill_triangle_mid(const RunState& state, OutputFile& mid) {
+  const TriangleTable& tt = state.triangles;
+  put_items(mid, static_cast<std::size_t>(tt.triangle_count), [&](std::size_t k, std::string& text) {
     if (tt.itstat[k] == -1) return;
     // The number, the three neighbours and the status, each in 6 columns,
     // made up whole and appended at once.
@@ -82,8 +117,16 @@ void fill_triangle_map_files(const RunState& state, TriangleMapFiles& files) {
     *p++ = '\n';
     text.append(line, static_cast<std::size_t>(p - line));
   });
-  close_output(mif);
   close_output(mid);
+}
+
+}  // namespace
+
+void fill_triangle_map_files(const RunState& state, TriangleMapFiles& files) {
+  fill_side_by_side(
+      static_cast<std::size_t>(std::max(state.triangles.triangle_count, 0)),
+      [&] { fill_triangle_mif(state, files.mif); }, [&] { fill_triangle_mid(state, files.mid); },
+      [&] { empty_output(files.mid); });
 }
 
 void write_triangle_map_files(RunState& state) {
@@ -195,9 +238,17 @@ void open_cell_files(RunState& state, CellFiles& files) {
 }
 
 void fill_cell_files(const RunState& state, CellFiles& files) {
-  fill_polygon_map_files(state, files.mif, files.mid);
-  fill_polygon_bln_file(state, files.bln);
-  fill_polygon_centroid_table(state, files.dat);
+  fill_side_by_side(
+      static_cast<std::size_t>(std::max(state.mesh.mesh_point_count, 0)),
+      [&] { fill_polygon_map_files(state, files.mif, files.mid); },
+      [&] {
+        fill_polygon_bln_file(state, files.bln);
+        fill_polygon_centroid_table(state, files.dat);
+      },
+      [&] {
+        empty_output(files.bln);
+        empty_output(files.dat);
+      });
 }
 
 void write_polygon_map_files(RunState& state) {

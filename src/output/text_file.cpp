@@ -145,6 +145,16 @@ void close_output(OutputFile& out) {
   out.file = nullptr;
 }
 
+void empty_output(OutputFile& out) {
+  if (out.file != nullptr) std::fclose(out.file);
+  out.file = nullptr;
+  out.pending.clear();
+  // Opening the name again for writing empties the file, whether or not
+  // its filling had closed it.
+  if (out.name.empty() || out.name.find('\0') != std::string::npos) return;
+  if (std::FILE* again = open_file(out.name, "wb")) std::fclose(again);
+}
+
 bool close_output_checked(OutputFile& out) {
   close_output(out);
   return !out.failed;

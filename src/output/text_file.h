@@ -71,6 +71,11 @@ void put_items(OutputFile& out, std::size_t count, Format format) {
 // Writes what is pending and closes the file.
 void close_output(OutputFile& out);
 
+// Closes the file if open and leaves the file of its name empty, as it
+// stood when opened: for a file that one thread would not have begun
+// filling when the run failed.
+void empty_output(OutputFile& out);
+
 // The same, and tells whether every byte reached the file.
 bool close_output_checked(OutputFile& out);
 
