@@ -147,7 +147,8 @@ void run_gis_family(const std::vector<int>& sizes, const fs::path& scratch) {
     std::cout << pad("gis " + std::to_string(n) + " vertices", 26) << pad(std::to_string(t.cells), 9)
               << phase_columns(t)
               << pad(t.cells > 0 ? std::to_string(t.peak_kib * 1024 / t.cells) : "-", 8)
-              << pad(fixed(t.seconds(Phase::kPopulateInterior) * 1e6 / cells, 1), 10) << pad(fixed(total * 1e6 / cells, 1), 10);
+              << pad(fixed(t.seconds(Phase::kPopulateInterior) * 1e6 / cells, 1), 10)
+              << pad(fixed(total * 1e6 / cells, 1), 10);
     if (!t.ok) std::cout << "  (run did not finish: see " << (folder / "screen.txt").string() << ")";
     std::cout << std::endl;
     if (t.ok) fs::remove_all(scratch);

@@ -14,6 +14,7 @@
 #include "common/run_state.h"
 #include "output/iteration_files.h"
 #include "support/failing_allocation.h"
+#include "support/output_state.h"
 #include "support/scratch.h"
 #include "support/whole_run.h"
 
@@ -24,14 +25,7 @@ using tesseramill::RunState;
 
 constexpr int kItems = 30000;  // above the size from which work is shared
 
-RunState state_in(const ScratchDir& dir) {
-  RunState state;
-  state.control.out_file_base = (dir.path() / "t").string();
-  state.iteration_stamp = "2";
-  state.x_offset = -1000.0;
-  state.y_offset = 500.0;
-  return state;
-}
+RunState state_in(const ScratchDir& dir) { return state_writing_into(dir, "2"); }
 
 // kItems triangles, each over the same three points, numbered in turn.
 RunState triangle_state(const ScratchDir& dir) {
@@ -70,46 +64,43 @@ std::map<std::string, std::string> files_of(const ScratchDir& dir) {
   return files;
 }
 
-// The triangle files filled on one core, or on two, and what they hold;
-// with `fail_from` above 0, allocations of that many bytes fail meanwhile.
-std::map<std::string, std::string> triangle_files(bool one_core, std::size_t fail_from = 0) {
+// The files of a state made by `make_state`, opened by `open` and filled by
+// `fill` on one core or on two, and what they hold; with `fail_from` above
+// 0, allocations of that many bytes and more fail while they are filled.
+template <typename Files, typename Open, typename Fill>
+std::map<std::string, std::string> filled(RunState (*make_state)(const ScratchDir&), Open open, Fill fill,
+                                          bool one_core, std::size_t fail_from) {
   ScratchDir dir;
-  RunState state = triangle_state(dir);
+  RunState state = make_state(dir);
   std::optional<OneCore> one;
   if (one_core) one.emplace();
   {
-    tesseramill::TriangleMapFiles files;
-    tesseramill::open_triangle_map_files(state, files);
+    Files files;
+    open(state, files);
     if (fail_from == 0) {
-      tesseramill::fill_triangle_map_files(state, files);
+      fill(state, files);
     } else {
       const std::size_t refused = LargeAllocationsFail::refused();
       LargeAllocationsFail full(fail_from);
-      EXPECT_THROW(tesseramill::fill_triangle_map_files(state, files), std::bad_alloc);
+      EXPECT_THROW(fill(state, files), std::bad_alloc);
       EXPECT_GT(LargeAllocationsFail::refused(), refused);
     }
   }
   return files_of(dir);
 }
 
+std::map<std::string, std::string> triangle_files(bool one_core, std::size_t fail_from = 0) {
+  return filled<tesseramill::TriangleMapFiles>(
+      triangle_state, tesseramill::open_triangle_map_files,
+      [](const RunState& state, tesseramill::TriangleMapFiles& files) {
+        tesseramill::fill_triangle_map_files(state, files);
+      },
+      one_core, fail_from);
+}
+
 std::map<std::string, std::string> cell_files(bool one_core, std::size_t fail_from = 0) {
-  ScratchDir dir;
-  RunState state = cell_state(dir);
-  std::optional<OneCore> one;
-  if (one_core) one.emplace();
-  {
-    tesseramill::CellFiles files;
-    tesseramill::open_cell_files(state, files);
-    if (fail_from == 0) {
-      tesseramill::fill_cell_files(state, files);
-    } else {
-      const std::size_t refused = LargeAllocationsFail::refused();
-      LargeAllocationsFail full(fail_from);
-      EXPECT_THROW(tesseramill::fill_cell_files(state, files), std::bad_alloc);
-      EXPECT_GT(LargeAllocationsFail::refused(), refused);
-    }
-  }
-  return files_of(dir);
+  return filled<tesseramill::CellFiles>(cell_state, tesseramill::open_cell_files, tesseramill::fill_cell_files,
+                                        one_core, fail_from);
 }
 
 const char* const kTriangleMifHead =

@@ -6,6 +6,7 @@
 #include "common/failure.h"
 #include "output/disv_file.h"
 #include "output/iteration_files.h"
+#include "support/output_state.h"
 #include "support/scratch.h"
 
 namespace tesseramill {
@@ -15,14 +16,7 @@ using tesseramill_test::RunResult;
 using tesseramill_test::ScratchDir;
 
 // A run state whose files go into `dir`.
-RunState state_in(const ScratchDir& dir) {
-  RunState state;
-  state.control.out_file_base = (dir.path() / "t").string();
-  state.iteration_stamp = "7";
-  state.x_offset = -1000.0;
-  state.y_offset = 500.0;
-  return state;
-}
+RunState state_in(const ScratchDir& dir) { return tesseramill_test::state_writing_into(dir, "7"); }
 
 std::vector<std::string> lines_of(const std::string& text) {
   std::vector<std::string> lines;
