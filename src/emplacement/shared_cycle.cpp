@@ -9,6 +9,7 @@
 #include "common/parallel.h"
 #include "common/run_state.h"
 #include "emplacement/chains.h"
+#include "emplacement/cycle_commits.h"
 #include "emplacement/fast_emplacement.h"
 #include "emplacement/interior_emplacement.h"
 #include "geometry/local_separation.h"
@@ -41,9 +42,6 @@ namespace tesseramill {
 // sequential run makes it.
 
 namespace {
-
-// A point committed in this cycle that no part saw as it stands.
-constexpr std::uint8_t kSeenByNone = 0xff;
 
 // The seeds are cut into this many slabs across the wider side of the box
 // that holds them, each slab a part with its own view; the two threads take
@@ -157,11 +155,9 @@ std::int32_t propose_in_parts(RunState& state, std::int32_t first, std::int32_t 
       2);
 
   // The commit, in seed order.  The points committed in this cycle are
-  // indexed on their own, with the part that saw each.
-  std::vector<double> committed;
-  MeshPointIndex committed_index;
-  start_mesh_point_index(committed_index, &committed, f.xlo, f.xhi, f.ylo, f.yhi);
-  std::vector<std::uint8_t> seen_by;
+  // indexed on their own, by the part that saw each (cycle_commits.h).
+  CycleCommits commits;
+  start_cycle_commits(commits, kSlabs, f.xlo, f.xhi, f.ylo, f.yhi);
   std::int32_t added = 0;
   std::int64_t again = 0;
   for (std::int32_t s = first; s <= last; ++s) {
@@ -171,8 +167,7 @@ std::int32_t propose_in_parts(RunState& state, std::int32_t first, std::int32_t 
     Part& own = parts[part];
     bool stands = !proposal.literal;
     if (stands && proposal.searched) {
-      const bool unseen = any_point_in_box(committed_index, proposal.xlo, proposal.xhi, proposal.ylo, proposal.yhi,
-                                           [&](std::int32_t q) { return seen_by[static_cast<std::size_t>(q - 1)] != part; });
+      const bool unseen = unseen_in_box(commits, part, proposal.xlo, proposal.xhi, proposal.ylo, proposal.yhi);
       stands = !unseen && !any_point_in_box(own.stray_index, proposal.xlo, proposal.xhi, proposal.ylo, proposal.yhi,
                                             [](std::int32_t) { return true; });
     }
@@ -195,10 +190,7 @@ std::int32_t propose_in_parts(RunState& state, std::int32_t first, std::int32_t 
     // The field at a point the part placed as it stands is the part's, the
     // same function of the same point.
     index_run_point(state, number, as_part_placed ? proposal.separation : std::numeric_limits<double>::quiet_NaN());
-    committed.push_back(x);
-    committed.push_back(y);
-    seen_by.push_back(as_part_placed ? part : kSeenByNone);
-    insert_mesh_point(committed_index, static_cast<std::int32_t>(seen_by.size()));
+    add_commit(commits, x, y, as_part_placed ? part : kSlabs);
     ++added;
   }
   f.shared_seeds += last - first + 1;
