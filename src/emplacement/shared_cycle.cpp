@@ -12,6 +12,7 @@
 #include "emplacement/cycle_commits.h"
 #include "emplacement/fast_emplacement.h"
 #include "emplacement/interior_emplacement.h"
+#include "emplacement/slab_cuts.h"
 #include "geometry/local_separation.h"
 
 namespace tesseramill {
@@ -105,11 +106,9 @@ bool cut_slabs(const RunState& state, std::int32_t first, std::int32_t last, std
     }
   }
   const std::size_t axis = hi[0] - lo[0] >= hi[1] - lo[1] ? 0 : 1;
-  std::vector<double> sorted(count);
-  for (std::size_t i = 0; i < count; ++i) sorted[i] = coordinate(i, axis);
-  std::sort(sorted.begin(), sorted.end());
-  std::vector<double> cuts;
-  for (std::size_t k = 1; k < kSlabs; ++k) cuts.push_back(sorted[k * count / kSlabs]);
+  std::vector<double> along(count);
+  for (std::size_t i = 0; i < count; ++i) along[i] = coordinate(i, axis);
+  const std::vector<double> cuts = slab_cuts(along, kSlabs);
   part_of.resize(count);
   std::size_t in_first = 0;
   for (std::size_t i = 0; i < count; ++i) {
