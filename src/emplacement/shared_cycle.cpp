@@ -1,6 +1,7 @@
 #include "emplacement/shared_cycle.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstring>
 #include <limits>
@@ -55,6 +56,14 @@ namespace {
 // cycle, as seeds near the river and the wells cost more; 4 lie between.
 constexpr std::size_t kSlabs = 8;
 
+// The slabs' shares of a cycle's seeds, in fortieths, in the order the
+// threads take them: the last slabs are the smallest, so that the thread
+// that ends first waits for a short slab of the other's at most.  On the
+// million cells, over the 265 cycles, the threads' waits came to about
+// 0.2 s with these shares, against 0.3 s with eight equal ones (3 runs
+// each); the same slabs' edges propose again as often.
+constexpr std::array<std::size_t, kSlabs> kSlabShares = {9, 9, 7, 6, 4, 3, 1, 1};
+
 struct alignas(64) Part {
   // The points this part placed while proposing, numbered from 1.
   std::vector<double> own_coordinates;
@@ -87,7 +96,7 @@ void propose_part(const RunState& state, std::int32_t first, const std::vector<s
   }
 }
 
-// Cuts the seeds into slabs of about equal counts across the wider side of
+// Cuts the seeds into slabs of the shares above across the wider side of
 // the box that holds them; false when they all fall in one.  Which slab a
 // seed goes to changes how much is proposed again, never what is placed,
 // so the comparisons need no care.
@@ -108,7 +117,7 @@ bool cut_slabs(const RunState& state, std::int32_t first, std::int32_t last, std
   const std::size_t axis = hi[0] - lo[0] >= hi[1] - lo[1] ? 0 : 1;
   std::vector<double> along(count);
   for (std::size_t i = 0; i < count; ++i) along[i] = coordinate(i, axis);
-  const std::vector<double> cuts = slab_cuts(along, kSlabs);
+  const std::vector<double> cuts = slab_cuts(along, kSlabShares);
   part_of.resize(count);
   std::size_t in_first = 0;
   for (std::size_t i = 0; i < count; ++i) {

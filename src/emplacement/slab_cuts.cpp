@@ -32,12 +32,18 @@ void select_ranks(std::vector<double>& values, std::size_t lo, std::size_t hi, c
 
 }  // namespace
 
-std::vector<double> slab_cuts(std::vector<double>& values, std::size_t slabs) {
+std::vector<double> slab_cuts(std::vector<double>& values, std::span<const std::size_t> shares) {
   const std::size_t count = values.size();
+  std::size_t total = 0;
+  for (std::size_t share : shares) total += share;
   std::vector<double> cuts;
-  if (count == 0 || slabs < 2) return cuts;
+  if (count == 0 || total == 0) return cuts;
   std::vector<std::size_t> ranks;
-  for (std::size_t k = 1; k < slabs; ++k) ranks.push_back(k * count / slabs);
+  std::size_t before = 0;
+  for (std::size_t k = 0; k + 1 < shares.size(); ++k) {
+    before += shares[k];
+    ranks.push_back(std::min(before * count / total, count - 1));
+  }
   select_ranks(values, 0, count, ranks, 0, ranks.size());
   for (std::size_t r : ranks) cuts.push_back(values[r]);
   return cuts;

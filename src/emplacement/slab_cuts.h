@@ -2,15 +2,17 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <vector>
 
 namespace tesseramill {
 
-// The values of ranks k count / slabs, k = 1 .. slabs - 1, among the count
-// values given, in that order: the values a full ascending sort would put
-// at those places (of two zeros, either sign may come, as no comparison
-// tells them apart).  The values must be numbers; their order in `values`
-// is left changed.
-std::vector<double> slab_cuts(std::vector<double>& values, std::size_t slabs);
+// Where to cut `values` for slabs holding the given shares of them, in
+// order: cut k is the value of rank (shares[0] + ... + shares[k - 1]) count
+// / total among the count values, for k = 1 .. shares.size() - 1, the
+// value a full ascending sort would put at that place (of two zeros,
+// either sign may come, as no comparison tells them apart).  The values
+// must be numbers; their order in `values` is left changed.
+std::vector<double> slab_cuts(std::vector<double>& values, std::span<const std::size_t> shares);
 
 }  // namespace tesseramill

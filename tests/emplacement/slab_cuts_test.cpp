@@ -13,10 +13,16 @@ namespace {
 
 using tesseramill_test::Random;
 
-std::vector<double> sorted_cuts(std::vector<double> values, std::size_t slabs) {
+std::vector<double> sorted_cuts(std::vector<double> values, const std::vector<std::size_t>& shares) {
   std::sort(values.begin(), values.end());
+  std::size_t total = 0;
+  for (std::size_t share : shares) total += share;
   std::vector<double> cuts;
-  for (std::size_t k = 1; k < slabs && !values.empty(); ++k) cuts.push_back(values[k * values.size() / slabs]);
+  std::size_t before = 0;
+  for (std::size_t k = 0; k + 1 < shares.size() && !values.empty(); ++k) {
+    before += shares[k];
+    cuts.push_back(values[std::min(before * values.size() / total, values.size() - 1)]);
+  }
   return cuts;
 }
 
@@ -27,11 +33,14 @@ void expect_equal(const std::vector<double>& a, const std::vector<double>& b) {
   for (std::size_t k = 0; k < a.size(); ++k) EXPECT_EQ(a[k], b[k]) << k;
 }
 
-// Fewer values than slabs, many ties, sorted and reversed runs, both zeros,
-// and counts up to tens of thousands.
+// Equal shares and unequal ones, the program's among them, and shares of
+// none; fewer values than slabs, many ties, sorted and reversed runs, both
+// zeros, and counts up to tens of thousands.
 TEST(SlabCuts, AreTheValuesASortPutsAtTheirRanks) {
   Random random(53);
-  for (std::size_t slabs : {2u, 3u, 8u, 13u}) {
+  const std::vector<std::vector<std::size_t>> share_lists = {
+      {1, 1}, {1, 1, 1}, {1, 1, 1, 1, 1, 1, 1, 1}, {9, 9, 7, 6, 4, 3, 1, 1}, {5, 0, 3, 0, 0}, {1, 2, 3, 4, 5, 6, 7}};
+  for (const std::vector<std::size_t>& shares : share_lists) {
     for (std::size_t count : {1u, 2u, 5u, 7u, 8u, 9u, 16u, 100u, 1000u, 20011u}) {
       for (int kind = 0; kind < 5; ++kind) {
         std::vector<double> values(count);
@@ -45,10 +54,10 @@ TEST(SlabCuts, AreTheValuesASortPutsAtTheirRanks) {
             default: values[i] = u < 0.5 ? 0.0 : -0.0; break;
           }
         }
-        SCOPED_TRACE(testing::Message() << "slabs " << slabs << " count " << count << " kind " << kind);
+        SCOPED_TRACE(testing::Message() << "slabs " << shares.size() << " count " << count << " kind " << kind);
         std::vector<double> work = values;
-        const std::vector<double> cuts = slab_cuts(work, slabs);
-        expect_equal(cuts, sorted_cuts(values, slabs));
+        const std::vector<double> cuts = slab_cuts(work, shares);
+        expect_equal(cuts, sorted_cuts(values, shares));
         // The values are all still there.
         std::sort(work.begin(), work.end());
         std::sort(values.begin(), values.end());
@@ -58,11 +67,13 @@ TEST(SlabCuts, AreTheValuesASortPutsAtTheirRanks) {
   }
 }
 
-TEST(SlabCuts, NoneForNoValuesOrOneSlab) {
+TEST(SlabCuts, NoneForNoValuesOneSlabOrNoShares) {
   std::vector<double> none;
-  EXPECT_TRUE(slab_cuts(none, 8).empty());
+  EXPECT_TRUE(slab_cuts(none, std::vector<std::size_t>{1, 1}).empty());
   std::vector<double> some = {3.0, 1.0, 2.0};
-  EXPECT_TRUE(slab_cuts(some, 1).empty());
+  EXPECT_TRUE(slab_cuts(some, std::vector<std::size_t>{1}).empty());
+  EXPECT_TRUE(slab_cuts(some, std::vector<std::size_t>{0, 0}).empty());
+  EXPECT_TRUE(slab_cuts(some, std::vector<std::size_t>{}).empty());
 }
 
 }  // namespace
