@@ -33,10 +33,11 @@ void add_commit(CycleCommits& commits, double x, double y, std::size_t seen_by) 
 // search box has xlo <= x <= xhi; a group whose points all have x at least
 // group.xlo > xhi has none there, and likewise on each side.  A coordinate
 // that is no number fails every comparison, so such a point lies in no
-// box; after a group's first point, min and max keep the value they had
-// when it comes, and as a group's first point it leaves a bound that is no
-// number, which, like a search box's bound that is no number, never lets
-// the group be passed over: its index is asked.  The groups other than
+// box.  Coming after a group's first point, it leaves the group's box as it
+// was (std::min and std::max then give their first argument); as a group's
+// first point, it makes bounds that are no number and stay so, which, like
+// a search box's bound that is no number, never let the group be passed
+// over, so that its index is asked.  The groups other than
 // `part`'s hold exactly the commits that part did not see.  Parts are
 // slabs, so a search box away from its slab's edges meets no other group's
 // box but that of the few points no part saw.  On the million cells the
