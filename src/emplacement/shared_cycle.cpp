@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cmath>
 #include <cstring>
 #include <limits>
 #include <vector>
@@ -110,6 +111,10 @@ bool cut_slabs(const RunState& state, std::int32_t first, std::int32_t last, std
   double hi[2] = {lo[0], lo[1]};
   for (std::size_t i = 0; i < count; ++i) {
     for (std::size_t axis = 0; axis < 2; ++axis) {
+      // Selecting ranks needs numbers to order; a seed that is none (which
+      // the domain tests keep out) leaves the cycle to one thread, which
+      // places the same points.
+      if (!std::isfinite(coordinate(i, axis))) return false;
       lo[axis] = std::min(lo[axis], coordinate(i, axis));
       hi[axis] = std::max(hi[axis], coordinate(i, axis));
     }
