@@ -21,6 +21,27 @@ namespace tesseramill {
 // go as they stand.  Gives nullptr when the file cannot be opened.
 std::FILE* open_file(const std::string& name, const char* mode);
 
+// How much of an output file has been handed to it, and how much of that
+// the system has been asked to write out and then to drop from its cache
+// (release_written).
+struct WrittenSpan {
+  std::uint64_t given = 0;
+  std::uint64_t sent = 0;
+  std::uint64_t dropped = 0;
+};
+
+// The bytes gathered between two requests of release_written.
+inline constexpr std::uint64_t kReleaseStep = std::uint64_t{8} << 20;
+
+// Counts `bytes` more handed to `file`, an output file written front to
+// back that the run does not read again.  On Linux, each time a step of
+// kReleaseStep bytes has gathered since the last request, it flushes the
+// stream, asks the system to start writing the gathered bytes out, and to
+// drop from its cache the bytes it was asked to write at the request
+// before.  Elsewhere it only counts.  False when the flush did not take
+// every byte (a full disc).
+bool release_written(std::FILE* file, std::size_t bytes, WrittenSpan& span);
+
 // The command-line words in UTF-8.  On Windows they are taken from the wide
 // command line, since argv holds them in the system's code page, where
 // letters outside it are lost; on Linux they are argv's bytes.

@@ -18,10 +18,15 @@ namespace {
 
 constexpr std::size_t kFlushSize = 1 << 16;
 
+// Hands `size` bytes to the open file; every write goes through here, so
+// that the file's cache is let go of as it fills (release_written).
+void hand_over(OutputFile& out, const char* data, std::size_t size) {
+  if (std::fwrite(data, 1, size, out.file) != size) out.failed = true;
+  if (!release_written(out.file, size, out.written)) out.failed = true;
+}
+
 void flush(OutputFile& out) {
-  if (!out.pending.empty() && out.file != nullptr) {
-    if (std::fwrite(out.pending.data(), 1, out.pending.size(), out.file) != out.pending.size()) out.failed = true;
-  }
+  if (!out.pending.empty() && out.file != nullptr) hand_over(out, out.pending.data(), out.pending.size());
   out.pending.clear();
 }
 
@@ -36,6 +41,7 @@ bool try_open_output(OutputFile& out, const std::string& name) {
   if (out.name.find('\0') == std::string::npos) out.file = open_file(out.name, "wb");
   if (out.file == nullptr) return false;
   out.failed = false;
+  out.written = WrittenSpan{};
   out.pending.reserve(kFlushSize + 4096);
   return true;
 }
@@ -59,7 +65,7 @@ void put_text(OutputFile& out, const std::string& text) {
   // not hold a second copy of the block.
   if (text.size() >= kFlushSize) {
     flush(out);
-    if (out.file != nullptr && std::fwrite(text.data(), 1, text.size(), out.file) != text.size()) out.failed = true;
+    if (out.file != nullptr) hand_over(out, text.data(), text.size());
     return;
   }
   out.pending += text;
@@ -114,7 +120,7 @@ void put_blocks(OutputFile& out, std::size_t blocks, const BlockFormat& format_b
       }
       // Only the thread whose turn it is writes; the other waits until
       // `written` moves past this block, which it sees under the same mutex.
-      if (out.file != nullptr && std::fwrite(text.data(), 1, text.size(), out.file) != text.size()) out.failed = true;
+      if (out.file != nullptr) hand_over(out, text.data(), text.size());
       {
         const std::lock_guard<std::mutex> held(lock);
         ++written;

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "common/parallel.h"
+#include "common/platform.h"
 #include "common/run_state.h"
 
 namespace tesseramill {
@@ -20,6 +21,8 @@ struct OutputFile {
   // The mesher's writers go on regardless; a caller that replaces a file
   // asks close_output_checked.
   bool failed = false;
+  // What the file has been given, and how much of it has been let go of.
+  WrittenSpan written;
 
   OutputFile() = default;
   OutputFile(const OutputFile&) = delete;

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <string>
@@ -10,6 +11,12 @@
 #include "common/platform.h"
 #include "model_family.h"
 #include "support/scratch.h"
+
+#ifdef __linux__
+#include <sys/mman.h>
+#include <unistd.h>
+#include <fcntl.h>
+#endif
 
 namespace tesseramill_test {
 namespace {
@@ -152,6 +159,113 @@ TEST(Platform, NullDeviceSwallowsWritesAndReadsEmpty) {
 TEST(Platform, ProgramNotOnPath) {
   EXPECT_FALSE(tesseramill::find_on_path("tesseramill_no_such_program").has_value());
 }
+
+// An output file's counts after each write, as release_written keeps them:
+// on Linux a request each time a step has gathered since the last, which
+// sends all that was given and drops what the request before sent;
+// elsewhere counts of what was given alone.  The file holds every byte.
+TEST(Platform, ReleaseWrittenAsksStepByStep) {
+  using tesseramill::kReleaseStep;
+  using tesseramill::WrittenSpan;
+  constexpr std::uint64_t kMiB = std::uint64_t{1} << 20;
+  struct Write {
+    std::uint64_t bytes;
+    WrittenSpan after;  // on Linux
+  };
+  const std::vector<Write> writes = {
+      {3 * kMiB, {3 * kMiB, 0, 0}},
+      {5 * kMiB, {8 * kMiB, 8 * kMiB, 0}},  // a step exactly: sent, nothing before it to drop
+      {100, {8 * kMiB + 100, 8 * kMiB, 0}},
+      {0, {8 * kMiB + 100, 8 * kMiB, 0}},
+      {9 * kMiB, {17 * kMiB + 100, 17 * kMiB + 100, 8 * kMiB}},
+      {8 * kMiB - 101, {25 * kMiB - 1, 17 * kMiB + 100, 8 * kMiB}},  // one byte short of a step
+      {101, {25 * kMiB + 100, 25 * kMiB + 100, 17 * kMiB + 100}},
+  };
+  ASSERT_EQ(kReleaseStep, 8 * kMiB);
+  ScratchDir dir;
+  const std::string name = (dir.path() / "released.bin").string();
+  std::FILE* file = tesseramill::open_file(name, "wb");
+  ASSERT_NE(file, nullptr);
+  std::string expected;
+  WrittenSpan span;
+  for (std::size_t w = 0; w < writes.size(); ++w) {
+    const std::string bytes(writes[w].bytes, static_cast<char>('a' + w));
+    ASSERT_EQ(std::fwrite(bytes.data(), 1, bytes.size(), file), bytes.size());
+    expected += bytes;
+    EXPECT_TRUE(tesseramill::release_written(file, bytes.size(), span));
+    const WrittenSpan& want = writes[w].after;
+    EXPECT_EQ(span.given, want.given) << "write " << w;
+#ifdef __linux__
+    EXPECT_EQ(span.sent, want.sent) << "write " << w;
+    EXPECT_EQ(span.dropped, want.dropped) << "write " << w;
+#else
+    EXPECT_EQ(span.sent, 0u) << "write " << w;
+    EXPECT_EQ(span.dropped, 0u) << "write " << w;
+#endif
+  }
+  ASSERT_EQ(std::fclose(file), 0);
+  EXPECT_TRUE(dir.read("released.bin") == expected);
+}
+
+#ifdef __linux__
+// How many of the pages of the file's bytes [from, to) the system holds in
+// its cache.
+std::size_t cached_pages(const std::string& name, std::uint64_t from, std::uint64_t to) {
+  const int descriptor = ::open(name.c_str(), O_RDONLY);
+  if (descriptor < 0) return 0;
+  const std::size_t page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+  const std::size_t length = static_cast<std::size_t>(to);
+  void* map = ::mmap(nullptr, length, PROT_READ, MAP_SHARED, descriptor, 0);
+  ::close(descriptor);
+  if (map == MAP_FAILED) return 0;
+  std::vector<unsigned char> held((length + page - 1) / page);
+  std::size_t count = 0;
+  if (::mincore(map, length, held.data()) == 0) {
+    for (std::size_t p = static_cast<std::size_t>(from) / page; p < held.size(); ++p) count += held[p] & 1;
+  }
+  ::munmap(map, length);
+  return count;
+}
+
+// The bytes sent at one request are dropped from the cache at the next, and
+// the bytes of the last request stay.  Each step is made clean on disc
+// before its request, so that what the system drops does not hang on how
+// fast the disc is.  A file system that keeps pages whatever it is asked
+// (tmpfs) is passed over: a control file of clean pages is asked first.
+TEST(Platform, ReleasedPagesLeaveTheCache) {
+  using tesseramill::kReleaseStep;
+  ScratchDir dir;
+  const std::string control = (dir.path() / "control.bin").string();
+  {
+    std::FILE* file = tesseramill::open_file(control, "wb");
+    ASSERT_NE(file, nullptr);
+    const std::string bytes(kReleaseStep, 'c');
+    ASSERT_EQ(std::fwrite(bytes.data(), 1, bytes.size(), file), bytes.size());
+    ASSERT_EQ(std::fflush(file), 0);
+    ASSERT_EQ(::fdatasync(::fileno(file)), 0);
+    ::posix_fadvise(::fileno(file), 0, static_cast<off_t>(kReleaseStep), POSIX_FADV_DONTNEED);
+    ASSERT_EQ(std::fclose(file), 0);
+  }
+  if (cached_pages(control, 0, kReleaseStep) > 0) GTEST_SKIP() << "this file system keeps clean pages";
+
+  const std::string name = (dir.path() / "released.bin").string();
+  std::FILE* file = tesseramill::open_file(name, "wb");
+  ASSERT_NE(file, nullptr);
+  tesseramill::WrittenSpan span;
+  for (int step = 0; step < 4; ++step) {
+    const std::string bytes(kReleaseStep, static_cast<char>('a' + step));
+    ASSERT_EQ(std::fwrite(bytes.data(), 1, bytes.size(), file), bytes.size());
+    ASSERT_EQ(std::fflush(file), 0);
+    ASSERT_EQ(::fdatasync(::fileno(file)), 0);
+    ASSERT_TRUE(tesseramill::release_written(file, bytes.size(), span));
+  }
+  ASSERT_EQ(std::fclose(file), 0);
+  ASSERT_EQ(span.dropped, 3 * kReleaseStep);
+  EXPECT_EQ(cached_pages(name, 0, span.dropped), 0u);
+  const std::size_t page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+  EXPECT_EQ(cached_pages(name, span.dropped, span.given), static_cast<std::size_t>(kReleaseStep) / page);
+}
+#endif
 
 }  // namespace
 }  // namespace tesseramill_test

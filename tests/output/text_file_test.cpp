@@ -57,6 +57,35 @@ TEST_P(PutItems, FileHoldsWhatOnePassInOrderWrites) {
 INSTANTIATE_TEST_SUITE_P(BlockBoundaries, PutItems,
                          testing::Values(0, 1, 4095, 4096, 4097, 8192, 8193, 19999, 20000, 20001, 57345));
 
+// A file of several steps of release_written (some 33 MB), its blocks
+// shared by two threads: every byte written through the writer's three
+// paths (pending lines, long texts, shared blocks) is counted once, and on
+// Linux all but less than a step has been sent by the time it closes.
+TEST(PutItemsOfSeveralSteps, EveryByteCountedAndKept) {
+  const ScratchDir dir;
+  constexpr std::size_t kCount = 400000;
+  RunState state;
+  OutputFile out;
+  open_output(state, out, (dir.path() / "items.txt").string());
+  put_line(out, "head");
+  put_items(out, kCount, format_item);
+  put_text(out, std::string(100000, 'z'));
+  put_line(out, "tail");
+  close_output(out);
+  EXPECT_FALSE(out.failed);
+  const std::string expected = written_in_order(kCount);
+  ASSERT_GT(expected.size(), 4 * kReleaseStep);
+  const std::string got = dir.read("items.txt");
+  ASSERT_EQ(got.size(), expected.size());
+  EXPECT_TRUE(got == expected);
+  EXPECT_EQ(out.written.given, expected.size());
+#ifdef __linux__
+  EXPECT_LT(out.written.given - out.written.sent, kReleaseStep);
+  EXPECT_GT(out.written.dropped, 0u);
+  EXPECT_LT(out.written.dropped, out.written.sent);
+#endif
+}
+
 // A block whose formatting fails, on the first thread (an even block) or
 // the second (an odd one), ends the writing with that failure and leaves the
 // blocks before it in the file, in order; neither thread is left waiting
