@@ -43,26 +43,26 @@ std::string path_to_utf8(const std::filesystem::path& path) {
 }
 
 // Why the written pages are let go of.  A run of a million cells writes
-// some 2.7 GB of files and reads none of them again.  Left in the cache,
+// some 2.9 GB of files and reads none of them again.  Left in the cache,
 // every page of them takes a page of free memory, and on a virtual machine
 // whose host takes the guest's free memory back (free page reporting) the
 // first touch of such a page costs a fault in the host: on the benchmark
-// machine, 3.3 s of system time per GB written, against 0.25 s per GB for
-// pages freed moments before.  A run of a million cells in a fresh folder
-// spent 5 to 9 s of system time so.  Dropping what has been written out
-// keeps the cache of a file to a step or two, whose pages the next steps
-// take again while they are still warm.
+// machine, 3.2 s of system time per GB written, against 0.24 s per GB for
+// pages freed moments before (dd, 2.1 GB).  A run of a million cells in a
+// fresh folder spent 5 to 9 s of system time so, and 1.1 to 1.4 s since.
+// Dropping what has been written out keeps the cache of a file to a step
+// or two, whose pages the next steps take again while they are still warm.
 //
 // The costs.  The bytes go to disc during the run instead of after it:
 // SYNC_FILE_RANGE_WRITE starts the writing without waiting for it to end,
 // but it waits for room when the disc's queue is full, so a disc slower
-// than the run's output (some 200 MB/s for a million cells) paces the run.
-// A program that reads the files soon afterwards reads them from disc.
-// Nothing can be lost: the system drops only pages already written out,
-// and keeps any still dirty or being written when asked, which are then
-// merely not dropped.  Files below a step are never asked about, and the
-// requests are hints whose failure (a pipe, a file system without them)
-// changes nothing but the cache.
+// than the run's output (160 MB/s on average for a million cells) paces
+// the run.  A program that reads the files soon afterwards reads them from
+// disc.  Nothing can be lost: the system drops only pages already written
+// out, and keeps any still dirty or being written when asked, which are
+// then merely not dropped.  Files below a step are never asked about, and
+// the requests are hints whose failure (a pipe, a file system without
+// them) changes nothing but the cache.
 bool release_written(std::FILE* file, std::size_t bytes, WrittenSpan& span) {
   span.given += bytes;
 #ifdef __linux__

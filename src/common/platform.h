@@ -1,7 +1,8 @@
 // What the operating system does differently on Linux and on Windows, behind
 // one face: opening files by a UTF-8 name, the command line in UTF-8,
 // starting a child program and collecting its screen, the program's own
-// path, fresh temporary folders, the null device and file permissions.
+// path, fresh temporary folders, the null device, file permissions and
+// letting the system's cache go of the output files' written pages.
 // Everything else in the system is plain portable C++.
 #pragma once
 
