@@ -49,7 +49,7 @@ std::string path_to_utf8(const std::filesystem::path& path) {
 // first touch of such a page costs a fault in the host: on the benchmark
 // machine, 3.2 s of system time per GB written, against 0.24 s per GB for
 // pages freed moments before (dd, 2.1 GB).  A run of a million cells in a
-// fresh folder spent 5 to 9 s of system time so, and 1.1 to 1.4 s since.
+// fresh folder spent 4.7 to 9.4 s of system time so, and 1.1 to 1.4 s since.
 // Dropping what has been written out keeps the cache of a file to a step
 // or two, whose pages the next steps take again while they are still warm.
 //

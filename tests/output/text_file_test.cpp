@@ -29,7 +29,14 @@ std::string written_in_order(std::size_t count) {
   return text + std::string(100000, 'z') + "tail\n";
 }
 
-std::string written_by_put_items(const ScratchDir& dir, std::size_t count) {
+// The file's text as the writer left it, and what the writer counted of it.
+struct WrittenFile {
+  std::string text;
+  WrittenSpan written;
+  bool failed = false;
+};
+
+WrittenFile written_by_put_items(const ScratchDir& dir, std::size_t count) {
   RunState state;
   OutputFile out;
   open_output(state, out, (dir.path() / "items.txt").string());
@@ -38,7 +45,7 @@ std::string written_by_put_items(const ScratchDir& dir, std::size_t count) {
   put_text(out, std::string(100000, 'z'));
   put_line(out, "tail");
   close_output(out);
-  return dir.read("items.txt");
+  return {dir.read("items.txt"), out.written, out.failed};
 }
 
 class PutItems : public testing::TestWithParam<std::size_t> {};
@@ -47,7 +54,7 @@ TEST_P(PutItems, FileHoldsWhatOnePassInOrderWrites) {
   const ScratchDir dir;
   const std::size_t count = GetParam();
   const std::string expected = written_in_order(count);
-  const std::string got = written_by_put_items(dir, count);
+  const std::string got = written_by_put_items(dir, count).text;
   ASSERT_EQ(got.size(), expected.size());
   EXPECT_TRUE(got == expected);
 }
@@ -64,25 +71,17 @@ INSTANTIATE_TEST_SUITE_P(BlockBoundaries, PutItems,
 TEST(PutItemsOfSeveralSteps, EveryByteCountedAndKept) {
   const ScratchDir dir;
   constexpr std::size_t kCount = 400000;
-  RunState state;
-  OutputFile out;
-  open_output(state, out, (dir.path() / "items.txt").string());
-  put_line(out, "head");
-  put_items(out, kCount, format_item);
-  put_text(out, std::string(100000, 'z'));
-  put_line(out, "tail");
-  close_output(out);
-  EXPECT_FALSE(out.failed);
+  const WrittenFile got = written_by_put_items(dir, kCount);
+  EXPECT_FALSE(got.failed);
   const std::string expected = written_in_order(kCount);
   ASSERT_GT(expected.size(), 4 * kReleaseStep);
-  const std::string got = dir.read("items.txt");
-  ASSERT_EQ(got.size(), expected.size());
-  EXPECT_TRUE(got == expected);
-  EXPECT_EQ(out.written.given, expected.size());
+  ASSERT_EQ(got.text.size(), expected.size());
+  EXPECT_TRUE(got.text == expected);
+  EXPECT_EQ(got.written.given, expected.size());
 #ifdef __linux__
-  EXPECT_LT(out.written.given - out.written.sent, kReleaseStep);
-  EXPECT_GT(out.written.dropped, 0u);
-  EXPECT_LT(out.written.dropped, out.written.sent);
+  EXPECT_LT(got.written.given - got.written.sent, kReleaseStep);
+  EXPECT_GT(got.written.dropped, 0u);
+  EXPECT_LT(got.written.dropped, got.written.sent);
 #endif
 }
 
