@@ -104,6 +104,24 @@ TEST(Dtris2Insertion, LatticesWithCocircularSquaresAndCollinearRows) {
   }
 }
 
+// Points a few ulps off a small lattice, where the tolerant tests let two
+// triangles come to share two edges: the fast insertion must see it and
+// hand the points to the literal steps, as the edge it keeps for a
+// neighbour is then not always the first entry that names it.  Each set
+// was found by searching seeded sets of this kind for one on which the
+// fast insertion, with that test left out, gives other tables.
+TEST(Dtris2Insertion, TrianglesThatComeToShareTwoEdges) {
+  const std::vector<std::vector<double>> sets = {
+      {3, 3, 3, 0.99999999999996569, 1.0000000000000393, 1, 3, 2, 3.0000000000000373, 1, 0, 2.742146481751705e-14, 1,
+       2.0000000000000484, 1, 2},
+      {3, 1, 2.9999999999999982, 0, 1.0000000000000409, 1, 1, 1.9999999999999729, 2, 2, 1, 2.000000000000044, 0, 0},
+      {3, 0.99999999999997236, 3, 0, 2, 1, 2.0000000000000413, 0, 1, 1, 0, 0, 1, 1.9999999999999702,
+       1.9999999999999964, 2.9999999999999969, 3.000000000000008, 1, 2.0000000000000333, 0},
+  };
+  Dtris2Workspace work;
+  for (std::size_t k = 0; k < sets.size(); ++k) EXPECT_EQ(expect_same(sets[k], work, "set " + std::to_string(k)), 0);
+}
+
 TEST(Dtris2Insertion, PointsOnTheEdgesOfALattice) {
   // Midpoints of the lattice's edges and centres of its squares lie on the
   // edges and diagonals that the insertion makes.
