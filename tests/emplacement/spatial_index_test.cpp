@@ -175,7 +175,7 @@ MeshPointList mesh_of(const std::vector<double>& points) {
   return mesh;
 }
 
-TEST(MinimumSeparation, SweepGivesTheAllPairsMinimum) {
+TEST(MinimumSeparation, GivesTheAllPairsMinimumOnDuplicatesLinesAndLattices) {
   Random random(33);
   for (int trial = 0; trial < 200; ++trial) {
     std::vector<double> points;
@@ -215,6 +215,53 @@ TEST(MinimumSeparation, SweepGivesTheAllPairsMinimum) {
     EXPECT_EQ(minimum_separation(mesh_of(lattice)), minimum_separation_reference(mesh_of(lattice)));
   }
   EXPECT_EQ(minimum_separation(mesh_of({5, 5})), minimum_separation_reference(mesh_of({5, 5})));
+}
+
+// Points spread evenly, the closest pair anywhere: in one band of the box,
+// across two, or two or more bands apart, as in the rows of a jittered
+// hexagonal packing, whose spacing is more than the bands' height.  Then
+// sets that the bands cannot serve, left to the sweep over all points:
+// fewer than nine points, and points on one row.
+TEST(MinimumSeparation, BandsGiveTheAllPairsMinimum) {
+  Random random(71);
+  for (int trial = 0; trial < 2000; ++trial) {
+    std::vector<double> points;
+    const int n = 20 + trial % 400;
+    const double offset = trial % 2 == 0 ? 0.0 : 4e6;
+    if (trial % 4 < 2) {
+      // A few points make a few bands, where the closest pair often lies
+      // across two; many make many.
+      const int count = trial % 4 == 0 ? 3 + trial % 7 : n;
+      for (int k = 0; k < count; ++k) {
+        points.push_back(offset + random.uniform(0, 1000));
+        points.push_back(offset + random.uniform(0, 700));
+      }
+    } else {
+      const int per_row = 5 + trial % 17;
+      for (int k = 0; k < n; ++k) {
+        const int row = k / per_row;
+        const double shift = row % 2 == 0 ? 0.0 : 5.0;
+        points.push_back(offset + 10.0 * (k % per_row) + shift + random.uniform(-0.01, 0.01));
+        points.push_back(offset + 8.660254 * row + random.uniform(-0.01, 0.01));
+      }
+    }
+    const MeshPointList mesh = mesh_of(points);
+    ASSERT_EQ(minimum_separation(mesh), minimum_separation_reference(mesh)) << trial;
+    const tesseramill_test::SharedFrom shared(2);
+    ASSERT_EQ(minimum_separation(mesh), minimum_separation_reference(mesh)) << trial << " shared";
+  }
+  std::vector<std::vector<double>> thin = {{0, 0, 0, 5, 0, 2, 0, 9}, {0, 0, 1000, 1e-9, 300, 2e-9, 301, 0}};
+  for (const double y : {7.0, 1e6}) {
+    std::vector<double> row;  // one row: the box has no height
+    for (int k = 0; k < 60; ++k) row.insert(row.end(), {random.uniform(0, 1000), y});
+    thin.push_back(row);
+    std::vector<double> column;  // one column: bands of points on a line
+    for (int k = 0; k < 60; ++k) column.insert(column.end(), {y, random.uniform(0, 1000)});
+    thin.push_back(column);
+  }
+  for (const std::vector<double>& points : thin) {
+    EXPECT_EQ(minimum_separation(mesh_of(points)), minimum_separation_reference(mesh_of(points)));
+  }
 }
 
 }  // namespace
