@@ -30,45 +30,51 @@ double minimum_separation_reference(const MeshPointList& mesh) {
 
 namespace {
 
+struct Place {
+  double x;
+  double y;
+};
+
+bool before_in_x(const Place& a, const Place& b) { return a.x < b.x; }
+
+// The smallest of `least` and the squared distances of the pairs whose
+// first point is one of sorted[begin, end) and whose second comes after it
+// in `sorted`, points sorted by x.  The squared distance of a pair is the
+// same bit for bit whichever point comes first, since a rounded difference
+// only changes sign when its operands swap.  For a point, the later points
+// have differences in x that only grow, and their squares with them; once
+// that square reaches the smallest so far, the rounded sum with dy * dy
+// does too, so no later point can lower it and the scan moves on.
+double scan_sorted(const std::vector<Place>& sorted, std::size_t begin, std::size_t end, double least) {
+  for (std::size_t i = begin; i < end; ++i) {
+    const double xi = sorted[i].x;
+    const double yi = sorted[i].y;
+    for (std::size_t j = i + 1; j < sorted.size(); ++j) {
+      const double dx = xi - sorted[j].x;
+      const double dx2 = dx * dx;
+      if (dx2 >= least) break;
+      const double dy = yi - sorted[j].y;
+      least = std::min(least, dx2 + dy * dy);
+    }
+  }
+  return least;
+}
+
 // The smallest squared distance by a sweep over the points sorted by x.
 double sweep_minimum(const double* p, std::int32_t n) {
-  // The points themselves, sorted by x: the scan below then reads them in
-  // the order it visits them.  Points of equal x may stand in any order,
-  // since the difference in x of such a pair is 0 and never stops the scan.
-  struct Place {
-    double x;
-    double y;
-  };
+  // The points themselves, sorted by x: the scan then reads them in the
+  // order it visits them.  Points of equal x may stand in any order, since
+  // the difference in x of such a pair is 0 and never stops the scan.
   std::vector<Place> sorted(static_cast<std::size_t>(n));
   for (std::int32_t a = 0; a < n; ++a) sorted[static_cast<std::size_t>(a)] = {p[2 * a], p[2 * a + 1]};
-  sort_in_parts(sorted.begin(), sorted.end(), [](const Place& a, const Place& b) { return a.x < b.x; });
-  // The squared distance of a pair is the same bit for bit whichever point
-  // comes first, since a rounded difference only changes sign when its
-  // operands swap.  For a point, the later points in x order have
-  // differences in x that only grow, and their squares with them; once that
-  // square reaches min2, the rounded sum with dy * dy does too, so no later
-  // point can lower min2 and the scan moves on.
-  //
+  sort_in_parts(sorted.begin(), sorted.end(), before_in_x);
   // The first points of the pairs are shared between the two cores, each
-  // part with a minimum of its own: by the same argument a part's minimum
-  // is that of all the pairs whose first point is its own, the smaller of
-  // the two minima is that of all pairs, and taking a minimum rounds
-  // nothing.
+  // part with a minimum of its own: a part's minimum is that of all the
+  // pairs whose first point is its own (scan_sorted), the smaller of the
+  // two minima is that of all pairs, and taking a minimum rounds nothing.
   double part_min2[2] = {kLargest, kLargest};
   run_in_parts(sorted.size(), [&](std::size_t begin, std::size_t end, int part) {
-    double min2 = kLargest;
-    for (std::size_t i = begin; i < end; ++i) {
-      const double xi = sorted[i].x;
-      const double yi = sorted[i].y;
-      for (std::size_t j = i + 1; j < sorted.size(); ++j) {
-        const double dx = xi - sorted[j].x;
-        const double dx2 = dx * dx;
-        if (dx2 >= min2) break;
-        const double dy = yi - sorted[j].y;
-        min2 = std::min(min2, dx2 + dy * dy);
-      }
-    }
-    part_min2[part] = min2;
+    part_min2[part] = scan_sorted(sorted, begin, end, kLargest);
     return PartFailure{};
   });
   return std::min(part_min2[0], part_min2[1]);
@@ -95,10 +101,11 @@ double sweep_minimum(const double* p, std::int32_t n) {
 // serve; a lattice does not, and the sweep over all points decides.
 //
 // Each two neighbouring bands, their points merged in x order, are swept
-// as sweep_minimum sweeps all points, and the pairs within one band are
-// met twice, which changes no minimum.  On the family's million cells the
-// sweep over all points reads some 500 points for each point, as a column
-// of the domain holds about a thousand; a band holds about 30.
+// by scan_sorted as sweep_minimum sweeps all points, and the pairs within
+// one band are met twice, which changes no minimum.  On the family's
+// million cells the sweep over all points reads some 500 points for each
+// point, as a column of the domain holds about a thousand; a band holds
+// about 30.
 bool band_minimum(const double* p, std::int32_t n, double& min2) {
   double ylo = p[1];
   double yhi = p[1];
@@ -109,7 +116,9 @@ bool band_minimum(const double* p, std::int32_t n, double& min2) {
   const std::int32_t bands = static_cast<std::int32_t>(std::min(std::sqrt(static_cast<double>(n)), 65536.0));
   const double height = (yhi - ylo) / bands;
   if (bands < 3 || !(height > 0.0) || !std::isfinite(height)) return false;
+  // A height below 2^-1024 has no finite inverse.
   const double inverse_height = 1.0 / height;
+  if (!std::isfinite(inverse_height)) return false;
   // The values are never below 0, as ylo is the least.
   auto band_of = [&](std::int32_t a) {
     const double v = std::floor((p[2 * a + 1] - ylo) * inverse_height);
@@ -118,10 +127,6 @@ bool band_minimum(const double* p, std::int32_t n, double& min2) {
   // The points counted into the bands, then placed backwards from each
   // band's end, so that `start` ends at each band's first point; each band
   // is then sorted by x, the bands shared between the two cores.
-  struct Place {
-    double x;
-    double y;
-  };
   std::vector<std::int32_t> start(static_cast<std::size_t>(bands) + 1, 0);
   for (std::int32_t a = 0; a < n; ++a) ++start[static_cast<std::size_t>(band_of(a))];
   for (std::size_t k = 1; k < start.size(); ++k) start[k] += start[k - 1];
@@ -129,7 +134,6 @@ bool band_minimum(const double* p, std::int32_t n, double& min2) {
   for (std::int32_t a = n - 1; a >= 0; --a) {
     placed[static_cast<std::size_t>(--start[static_cast<std::size_t>(band_of(a))])] = {p[2 * a], p[2 * a + 1]};
   }
-  auto by_x = [](const Place& a, const Place& b) { return a.x < b.x; };
   // Few bands hold many points, so the bands are shared between the cores
   // by the number of points.
   const std::size_t shared_from = static_cast<std::size_t>(n) >= smallest_shared_work.load(std::memory_order_relaxed)
@@ -137,7 +141,7 @@ bool band_minimum(const double* p, std::int32_t n, double& min2) {
                                       : std::numeric_limits<std::size_t>::max();
   run_in_parts(static_cast<std::size_t>(bands), [&](std::size_t begin, std::size_t end, int) {
     for (std::size_t k = begin; k < end; ++k) {
-      std::sort(placed.begin() + start[k], placed.begin() + start[k + 1], by_x);
+      std::sort(placed.begin() + start[k], placed.begin() + start[k + 1], before_in_x);
     }
     return PartFailure{};
   }, shared_from);
@@ -148,16 +152,8 @@ bool band_minimum(const double* p, std::int32_t n, double& min2) {
     for (std::size_t k = begin; k < end; ++k) {
       pair.resize(static_cast<std::size_t>(start[k + 2] - start[k]));
       std::merge(placed.begin() + start[k], placed.begin() + start[k + 1], placed.begin() + start[k + 1],
-                 placed.begin() + start[k + 2], pair.begin(), by_x);
-      for (std::size_t i = 0; i < pair.size(); ++i) {
-        for (std::size_t j = i + 1; j < pair.size(); ++j) {
-          const double dx = pair[i].x - pair[j].x;
-          const double dx2 = dx * dx;
-          if (dx2 >= least) break;
-          const double dy = pair[i].y - pair[j].y;
-          least = std::min(least, dx2 + dy * dy);
-        }
-      }
+                 placed.begin() + start[k + 2], pair.begin(), before_in_x);
+      least = scan_sorted(pair, 0, pair.size(), least);
     }
     part_min2[part] = least;
     return PartFailure{};

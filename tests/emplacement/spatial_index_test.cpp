@@ -221,7 +221,8 @@ TEST(MinimumSeparation, GivesTheAllPairsMinimumOnDuplicatesLinesAndLattices) {
 // across two, or two or more bands apart, as in the rows of a jittered
 // hexagonal packing, whose spacing is more than the bands' height.  Then
 // sets that the bands cannot serve, left to the sweep over all points:
-// fewer than nine points, and points on one row.
+// fewer than nine points, points on one row, and rows a few subnormal
+// numbers apart.
 TEST(MinimumSeparation, BandsGiveTheAllPairsMinimum) {
   Random random(71);
   for (int trial = 0; trial < 2000; ++trial) {
@@ -259,6 +260,10 @@ TEST(MinimumSeparation, BandsGiveTheAllPairsMinimum) {
     for (int k = 0; k < 60; ++k) column.insert(column.end(), {y, random.uniform(0, 1000)});
     thin.push_back(column);
   }
+  // Bands too low for their height to have a finite inverse.
+  std::vector<double> subnormal;
+  for (int k = 0; k < 40; ++k) subnormal.insert(subnormal.end(), {random.uniform(0, 1000), k * 1e-310});
+  thin.push_back(subnormal);
   for (const std::vector<double>& points : thin) {
     EXPECT_EQ(minimum_separation(mesh_of(points)), minimum_separation_reference(mesh_of(points)));
   }
