@@ -14,6 +14,10 @@ double median(std::vector<double> values) {
   return values.size() % 2 == 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2.0;
 }
 
+Target wall_ratio_target(const std::string& what, double measured_ratio, double limit_seconds, double then_seconds) {
+  return {what, measured_ratio, limit_seconds / then_seconds, 3};
+}
+
 std::string target_table(const std::vector<Target>& targets) {
   std::size_t width = std::string("target").size();
   for (const Target& t : targets) width = std::max(width, t.what.size());

@@ -16,6 +16,12 @@ struct Target {
   int decimals = 2;
 };
 
+// A wall-time target read as a ratio to another build run in turn in the
+// same round: a limit of `limit_seconds` set when that build took
+// `then_seconds` on this machine becomes their quotient, which holds
+// whatever the shared machine's speed on the day of the run.
+Target wall_ratio_target(const std::string& what, double measured_ratio, double limit_seconds, double then_seconds);
+
 // The median of `values`: the middle one, or the mean of the middle two for
 // an even count; NaN for none.
 double median(std::vector<double> values);

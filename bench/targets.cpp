@@ -148,6 +148,18 @@ int finish(const std::vector<Model>& models, bool with_other, const TargetOption
       {"family 1e6, 30 passes, system share of processor time",
        measured(models, "family 1e6, 30 passes", &Model::system_share), 0.10, 3},
   };
+  if (with_other) {
+    // The limits of 15 and 40 s were set on this machine when c78f890, the
+    // build before the work on them, took 31.7 and 82.5 s.  The shared
+    // machine's speed has moved by a third and more since, from day to day
+    // and within a run (c78f890 took 37.4 to 52.0 s on the million cells
+    // with 3 passes), so the same targets are also read against the other
+    // build, which means them when it is c78f890.
+    targets.push_back(wall_ratio_target("family 1e6, 3 passes, wall / the other build's (15 s of 31.7)",
+                                        measured(models, "family 1e6, 3 passes", &Model::wall_ratio), 15.0, 31.7));
+    targets.push_back(wall_ratio_target("family 1e6, 30 passes, wall / the other build's (40 s of 82.5)",
+                                        measured(models, "family 1e6, 30 passes", &Model::wall_ratio), 40.0, 82.5));
+  }
   if (options.with_1e7) {
     targets.push_back(
         {"family 1e7, 3 passes, wall s", measured(models, "family 1e7, 3 passes", &Model::wall), 240.0, 1});

@@ -14,6 +14,7 @@ namespace {
 using tesseramill_bench::median;
 using tesseramill_bench::Target;
 using tesseramill_bench::target_table;
+using tesseramill_bench::wall_ratio_target;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
@@ -60,6 +61,20 @@ TEST(TargetTable, VerdictComparesTheValueNotItsDigits) {
             "target   measured     limit  met\n"
             "t            1.50      1.50  NO\n");
   EXPECT_EQ(target_table({}), "target   measured     limit  met\n");
+}
+
+// A wall limit set when the other build took a given time becomes the
+// quotient of the two, and the ratio of this run's walls is held to it.
+TEST(TargetTable, WallLimitAsRatioToTheOtherBuild) {
+  const Target met = wall_ratio_target("1e6, 3 passes, wall / other's", 0.344, 15.0, 31.7);
+  EXPECT_EQ(met.limit, 15.0 / 31.7);
+  EXPECT_EQ(met.decimals, 3);
+  const Target missed = wall_ratio_target("1e6, 30 passes, wall / other's", 0.543, 40.0, 82.5);
+  EXPECT_EQ(target_table({met, missed, wall_ratio_target("not run", kNaN, 40.0, 82.5)}),
+            "target                           measured     limit  met\n"
+            "1e6, 3 passes, wall / other's       0.344     0.473  yes\n"
+            "1e6, 30 passes, wall / other's      0.543     0.485  NO\n"
+            "not run                                 -     0.485  not measured\n");
 }
 
 }  // namespace
