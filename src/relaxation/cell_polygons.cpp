@@ -4,6 +4,7 @@
 
 #include "common/failure.h"
 #include "common/parallel.h"
+#include "common/prefetch.h"
 #include "common/text_tools.h"
 #include "relaxation/fan_order.h"
 
@@ -227,6 +228,13 @@ void order_connected_triangles(RunState& state) {
     std::int32_t* work = part == 0 ? state.mesh.work_list.data() : tt.second_scratch.data();
     PartFailure& failure = lowest[part];
     for (std::size_t k = begin; k < end; ++k) {
+      // The column and count of the point some places on in the sorted
+      // order, which lie scattered, are asked for while this one is ordered.
+      if (sorted && k + kPrefetchAhead < end) {
+        const std::int32_t ahead = tt.sort_index[k + kPrefetchAhead];
+        prefetch(column(state, ahead));
+        prefetch(&tt.point_tri_count[static_cast<std::size_t>(ahead - 1)]);
+      }
       const std::int32_t p = sorted ? tt.sort_index[k] : static_cast<std::int32_t>(k + 1);
       std::int32_t* col = column(state, p);
       const std::int32_t c = tt.point_tri_count[static_cast<std::size_t>(p - 1)];

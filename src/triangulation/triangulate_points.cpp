@@ -8,6 +8,7 @@
 
 #include "common/failure.h"
 #include "common/parallel.h"
+#include "common/prefetch.h"
 #include "common/text_tools.h"
 #include "emplacement/mesh_point_list.h"
 #include "geometry/planar_tools.h"
@@ -60,6 +61,13 @@ PartFailure compute_triangle_range(RunState& state, std::size_t begin, std::size
   const std::vector<double>& p = state.mesh.mesh_points;
   const std::vector<std::int32_t>& label = state.mesh.mesh_point_label;
   for (std::size_t k = begin; k < end; ++k) {
+    // The corners of a triangle some places on, which lie scattered among
+    // the points, are asked for while this one is worked out.
+    if (k + kPrefetchAhead < end) {
+      for (std::size_t e = 0; e < 3; ++e) {
+        prefetch(&p[2 * static_cast<std::size_t>(tt.tri_vertex[3 * (k + kPrefetchAhead) + e] - 1)]);
+      }
+    }
     const std::int32_t t = static_cast<std::int32_t>(k + 1);
     const std::size_t base = 3 * k;
     const double* c1 = &p[2 * static_cast<std::size_t>(tt.tri_vertex[base] - 1)];
@@ -130,11 +138,20 @@ std::int32_t mark_external(RunState& state) {
 // t, in ascending triangle order, the points taken in two halves side by
 // side: each half sweeps every triangle and is given only its own points,
 // so whatever visit keeps per point it gets in the same order as one sweep.
-template <typename Visit>
-void sweep_corners_in_halves(const TriangleTable& tt, std::int32_t n, Visit visit) {
+// ahead(p) is called for the corners of the triangle kPrefetchAhead places
+// on that belong to the half, to ask for what visit will touch there: the
+// points' entries lie scattered, and a hint changes no value.
+template <typename Visit, typename Ahead>
+void sweep_corners_in_halves(const TriangleTable& tt, std::int32_t n, Visit visit, Ahead ahead) {
   run_in_parts(static_cast<std::size_t>(n), [&](std::size_t begin, std::size_t end, int) {
     for (std::int32_t t = 1; t <= tt.triangle_count; ++t) {
       const std::size_t k = static_cast<std::size_t>(t - 1);
+      if (t <= tt.triangle_count - kPrefetchAhead) {
+        for (std::size_t e = 0; e < 3; ++e) {
+          const std::size_t p = static_cast<std::size_t>(tt.tri_vertex[3 * (k + kPrefetchAhead) + e] - 1);
+          if (p >= begin && p < end) ahead(p);
+        }
+      }
       if (tt.itstat[k] == -1) continue;
       for (int e = 0; e < 3; ++e) {
         const std::size_t p = static_cast<std::size_t>(tt.tri_vertex[3 * k + e] - 1);
@@ -150,7 +167,9 @@ void count_point_triangles(RunState& state) {
   TriangleTable& tt = state.triangles;
   const std::int32_t n = state.mesh.mesh_point_count;
   std::fill(tt.point_tri_count.begin(), tt.point_tri_count.begin() + n, 0);
-  sweep_corners_in_halves(tt, n, [&](std::size_t p, std::int32_t) { tt.point_tri_count[p] += 1; });
+  sweep_corners_in_halves(
+      tt, n, [&](std::size_t p, std::int32_t) { tt.point_tri_count[p] += 1; },
+      [](std::size_t) {});
   tt.largest_tri_count = 0;
   tt.smallest_tri_count = 2147483647;
   for (std::int32_t p = 0; p < n; ++p) {
@@ -255,9 +274,12 @@ void build_connected_triangles(RunState& state) {
   std::vector<std::int32_t>& fill = tt.column_fill;
   fill.assign(static_cast<std::size_t>(n), 0);
   const std::size_t rows = static_cast<std::size_t>(tt.row_capacity);
-  sweep_corners_in_halves(tt, n, [&](std::size_t p, std::int32_t t) {
-    tt.connected_triangles[p * rows + static_cast<std::size_t>(fill[p]++)] = t;
-  });
+  sweep_corners_in_halves(
+      tt, n, [&](std::size_t p, std::int32_t t) { tt.connected_triangles[p * rows + static_cast<std::size_t>(fill[p]++)] = t; },
+      [&](std::size_t p) {
+        prefetch(&fill[p]);
+        prefetch(&tt.connected_triangles[p * rows]);
+      });
 }
 
 }  // namespace tesseramill
