@@ -365,19 +365,34 @@ int triangulate_sorted(Mesh& m, std::int32_t n, std::int32_t& triangle_count) {
 // sort among them, gives its one sorted order.  Values that are no numbers,
 // x equal by the rule across runs, or y equal by the rule within one, leave
 // it to the heap sort.
+//
+// The keys are made in the order the last call left them in, when it had
+// as many points: each pass of the Lloyd loop moves its points a little,
+// so they come nearly sorted, and the sort below takes less than half the
+// time on the million cells' points (0.025 s against 0.055 to 0.069).  The
+// order they come in changes nothing: where the sort is trusted there is
+// only one sorted order, and where points are equal in x and y the heap
+// sort decides from 1..n.  The keys left behind always hold each number
+// 1..n once, as every step below only moves them, and keys that could not
+// all be made are dropped.
 bool sort_exactly(const double* points, std::int32_t n, std::int32_t* sort_index, std::vector<Dtris2Key>& keys) {
+  const bool last_order = keys.size() == static_cast<std::size_t>(n);
   keys.resize(static_cast<std::size_t>(n));
-  // Each key is made by itself, on both cores.
+  // Each key is made by itself, on both cores, in its own place.
   const PartFailure unsortable = run_in_parts(keys.size(), [&](std::size_t begin, std::size_t end, int) {
     for (std::size_t k = begin; k < end; ++k) {
-      const double x = points[2 * k];
-      const double y = points[2 * k + 1];
+      const std::size_t at = last_order ? static_cast<std::size_t>(keys[k].index - 1) : k;
+      const double x = points[2 * at];
+      const double y = points[2 * at + 1];
       if (!std::isfinite(x) || !std::isfinite(y)) return PartFailure{k, {}};
-      keys[k] = {x, y, static_cast<std::int32_t>(k) + 1};
+      keys[k] = {x, y, static_cast<std::int32_t>(at) + 1};
     }
     return PartFailure{};
   });
-  if (unsortable.failed()) return false;
+  if (unsortable.failed()) {
+    keys.clear();
+    return false;
+  }
   // The first sort is shared between the two cores.  It gives the one
   // sorted order wherever no two points are equal in both x and y; two that
   // are fall in one run with y equal by the rule, which leaves the order to

@@ -19,6 +19,8 @@ struct Dtris2Key {
   std::int32_t index;
 };
 struct Dtris2Workspace {
+  // The points' keys in the order the last call sorted them, each number
+  // 1..n once; the next call of as many points starts from that order.
   std::vector<Dtris2Key> keys;
   std::vector<double> sorted_points;
   std::vector<std::int32_t> identity;

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <numeric>
 #include <sstream>
 #include <string>
@@ -254,6 +255,56 @@ TEST(Dtris2Insertion, TheSharedSortGivesTheSameTables) {
     }
     EXPECT_EQ(expect_same(points, work, "shared columns " + std::to_string(columns)), columns == 1 ? 225 : 0);
   }
+}
+
+// Calls of as many points one after another on one workspace, as the
+// Lloyd passes make them, each starting from the order the last one sorted:
+// points moved a little, points shuffled, points moved far, a set with a
+// point that is no number (whose keys are dropped), exact copies that leave
+// the order to the heap sort, and a set after each of those.
+TEST(Dtris2Insertion, EachSortStartsFromTheLastOrder) {
+  const tesseramill_test::SharedFrom shared(2);
+  tesseramill_test::Random random(4127);
+  Dtris2Workspace work;
+  const int n = 3000;
+  std::vector<double> points;
+  for (int k = 0; k < n; ++k) {
+    points.push_back(2.5e5 + random.uniform(0, 5000));
+    points.push_back(6.2e6 + random.uniform(0, 3000));
+  }
+  EXPECT_EQ(expect_same(points, work, "first"), 0);
+  for (int pass = 0; pass < 4; ++pass) {
+    for (double& v : points) v += random.uniform(-3, 3);
+    EXPECT_EQ(expect_same(points, work, "moved a little, pass " + std::to_string(pass)), 0);
+  }
+  for (int k = n - 1; k > 0; --k) {
+    const int other = static_cast<int>(random.uniform(0, k + 1)) % (k + 1);
+    std::swap(points[2 * static_cast<std::size_t>(k)], points[2 * static_cast<std::size_t>(other)]);
+    std::swap(points[2 * static_cast<std::size_t>(k) + 1], points[2 * static_cast<std::size_t>(other) + 1]);
+  }
+  EXPECT_EQ(expect_same(points, work, "shuffled"), 0);
+  for (std::size_t k = 0; k < points.size(); k += 2) points[k] = 2.5e5 + 5000.0 - (points[k] - 2.5e5);
+  EXPECT_EQ(expect_same(points, work, "mirrored"), 0);
+  std::vector<double> broken = points;
+  broken[2 * 1234 + 1] = std::numeric_limits<double>::quiet_NaN();
+  expect_same(broken, work, "a point that is no number");
+  EXPECT_EQ(expect_same(points, work, "after the point that is no number"), 0);
+  std::vector<double> copies = points;
+  copies[2 * 17] = copies[2 * 2900];
+  copies[2 * 17 + 1] = copies[2 * 2900 + 1];
+  EXPECT_EQ(expect_same(copies, work, "an exact copy"), 224);
+  for (double& v : points) v += random.uniform(-3, 3);
+  EXPECT_EQ(expect_same(points, work, "after the copy"), 0);
+  // More points than the last call, one of them no number, then as many.
+  std::vector<double> more = points;
+  for (int k = 0; k < 500; ++k) {
+    more.push_back(2.5e5 + random.uniform(0, 5000));
+    more.push_back(6.2e6 + random.uniform(0, 3000));
+  }
+  std::vector<double> more_broken = more;
+  more_broken[2 * 3100] = std::numeric_limits<double>::infinity();
+  expect_same(more_broken, work, "more points, one of them no number");
+  EXPECT_EQ(expect_same(more, work, "as many after it"), 0);
 }
 
 TEST(Dtris2Insertion, FewPointsAndTinyCoordinates) {
