@@ -59,12 +59,11 @@ inline std::int32_t code(std::int32_t t, std::int32_t e) { return 3 * t + e; }
 // trip count (0, 1 or 2) is as random as the edges, and each of the three
 // calls per swap then cost a mispredicted branch.  With the corner below
 // chosen the same way, the insertion alone of the million cells' points
-// takes 1.06 s against 1.37 s with the loop and the branches.
+// takes 1.06 s against 1.37 s with the loop and the branches; with the
+// test of an entry made without its division (code_names_triangle), 0.99 s.
 inline bool named_earlier(Tables& m, std::int32_t t, std::int32_t edge, std::int32_t other) {
-  const std::int32_t first = m.across(t, 0);
-  const std::int32_t second = m.across(t, 1);
-  const bool at_first = (edge > 0) & (first > 0) & (first / 3 == other);
-  const bool at_second = (edge > 1) & (second > 0) & (second / 3 == other);
+  const bool at_first = (edge > 0) & code_names_triangle(m.across(t, 0), other);
+  const bool at_second = (edge > 1) & code_names_triangle(m.across(t, 1), other);
   return at_first | at_second;
 }
 

@@ -20,6 +20,19 @@ enum class FastInsertion {
 // as 3u + f for edge f (0-based) of triangle u, or the hull link
 // -(3u + f) of the next hull edge.  `hull_end` needs n entries, `stack` n.
 // `ierror` receives 0 or the failure code of DTRIS2.
+// Whether the entry `code` of such a table names triangle `t` (at least
+// 1): code > 0 and code / 3 == t, that is 3t <= code <= 3t + 2, asked
+// without a division as whether code - 3t, taken modulo 2^32, is below 3.
+// The two agree wherever the codes fit in 32 bits, as the hull links
+// -(3u + f) already need (at most 2n triangles for n up to (2^31 - 3) / 6,
+// so 3t and |code| are at most 2^31 - 6): for code > 0 the difference is
+// code - 3t itself when that is not negative, and at least 2^32 - 2^31
+// otherwise; for code 0 it is 2^32 - 3t; for code < 0 it is
+// 2^32 - |code| - 3t, at least 12.
+inline bool code_names_triangle(std::int32_t code, std::int32_t t) {
+  return static_cast<std::uint32_t>(code) - static_cast<std::uint32_t>(3 * t) < 3u;
+}
+
 FastInsertion insert_sorted_points(std::int32_t n, const double* points, std::int32_t* triangles,
                                    std::int32_t* hull_end, std::int32_t* stack, std::int32_t& triangle_count,
                                    int& ierror, std::ostream& screen);

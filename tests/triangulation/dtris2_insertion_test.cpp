@@ -13,6 +13,7 @@
 #include "support/random.h"
 #include "support/whole_run.h"
 #include "triangulation/dtris2.h"
+#include "triangulation/dtris2_insertion.h"
 
 namespace tesseramill {
 namespace {
@@ -305,6 +306,28 @@ TEST(Dtris2Insertion, EachSortStartsFromTheLastOrder) {
   more_broken[2 * 3100] = std::numeric_limits<double>::infinity();
   expect_same(more_broken, work, "more points, one of them no number");
   EXPECT_EQ(expect_same(more, work, "as many after it"), 0);
+}
+
+// An entry names a triangle exactly when it is positive and its quotient
+// by 3 is the triangle: at each edge of a small triangle, of the largest
+// the codes allow (2n for n = (2^31 - 3) / 6) and of seeded ones between,
+// for entries at and around 3t .. 3t + 2, none (0), and hull links from
+// the smallest to the largest.
+TEST(Dtris2Insertion, AnEntryNamesATriangleWithoutADivision) {
+  constexpr std::int32_t kLargestTriangle = 2 * ((2147483647 - 2) / 6);
+  auto by_division = [](std::int32_t code, std::int32_t t) { return code > 0 && code / 3 == t; };
+  std::vector<std::int32_t> triangles = {1, 2, 3, 7, kLargestTriangle - 1, kLargestTriangle};
+  tesseramill_test::Random random(23);
+  for (int k = 0; k < 200; ++k) triangles.push_back(1 + static_cast<std::int32_t>(random.uniform(0, kLargestTriangle - 1)));
+  for (std::int32_t t : triangles) {
+    for (std::int32_t code : {0, 1, 2, 3, -1, -3, -(3 * kLargestTriangle + 2), -(3 * t), -(3 * t + 2),
+                              3 * kLargestTriangle + 2}) {
+      EXPECT_EQ(code_names_triangle(code, t), by_division(code, t)) << "code " << code << ", triangle " << t;
+    }
+    for (std::int32_t d = -4; d <= 5; ++d) {
+      EXPECT_EQ(code_names_triangle(3 * t + d, t), d >= 0 && d <= 2) << "code 3t + " << d << ", triangle " << t;
+    }
+  }
 }
 
 TEST(Dtris2Insertion, FewPointsAndTinyCoordinates) {
