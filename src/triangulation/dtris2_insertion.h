@@ -20,6 +20,10 @@ enum class FastInsertion {
 // as 3u + f for edge f (0-based) of triangle u, or the hull link
 // -(3u + f) of the next hull edge.  `hull_end` needs n entries, `stack` n.
 // `ierror` receives 0 or the failure code of DTRIS2.
+FastInsertion insert_sorted_points(std::int32_t n, const double* points, std::int32_t* triangles,
+                                   std::int32_t* hull_end, std::int32_t* stack, std::int32_t& triangle_count,
+                                   int& ierror, std::ostream& screen);
+
 // Whether the entry `code` of such a table names triangle `t` (at least
 // 1): code > 0 and code / 3 == t, that is 3t <= code <= 3t + 2, asked
 // without a division as whether code - 3t, taken modulo 2^32, is below 3.
@@ -32,9 +36,5 @@ enum class FastInsertion {
 inline bool code_names_triangle(std::int32_t code, std::int32_t t) {
   return static_cast<std::uint32_t>(code) - static_cast<std::uint32_t>(3 * t) < 3u;
 }
-
-FastInsertion insert_sorted_points(std::int32_t n, const double* points, std::int32_t* triangles,
-                                   std::int32_t* hull_end, std::int32_t* stack, std::int32_t& triangle_count,
-                                   int& ierror, std::ostream& screen);
 
 }  // namespace tesseramill
