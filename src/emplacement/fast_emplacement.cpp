@@ -566,11 +566,40 @@ void strike_near_segments(const RunState& state, const SegmentIndex& segments, P
   }
 }
 
+// The field at candidate (k, j), the point a proposal chose: the same bits
+// as local_separation there, from the sources of the candidate's tile when
+// they are kept and from the rectangle's otherwise.  Why the bits are the
+// same.  local_separation gives min(A, caps), where A is the smallest of
+// its start and of every source's size at the point; the same from the
+// listed sources gives min(B, caps), with B >= A.  Let U be the upper bound
+// of the field over the rectangle (or the tile) that the list was kept
+// with.  Every source left out has a lower bound at least U there, so a
+// size of its at least U; and U is either the caps that hold over the
+// whole rectangle, at least caps, or the upper bound at the farthest
+// corner of a source t, whose lower bound lies below that upper bound, so
+// that t is kept, and B <= size of t <= U.  Were B > A, A would be a size of
+// a source left out, at least U: in the first case caps <= U <= A < B, so
+// min(A, caps) = caps = min(B, caps); in the second A >= U >= B, which
+// cannot be.  So the two agree.  A tile's sources come from the
+// rectangle's, and a source left out of the rectangle has a lower bound at
+// least the rectangle's U, which is at least the tile's.
+double separation_at(const RunState& state, ProposalScratch& f, const Grid& g, std::int32_t k, std::int32_t j) {
+  const std::int32_t ti = (k + g.half) / kTileSide;
+  const std::int32_t tj = (j + g.half) / kTileSide;
+  const std::size_t t = static_cast<std::size_t>(tj * tiles_per_side(g) + ti);
+  const double growth = state.control.poly_growth_rate;
+  if (f.tile_kept[t] != 0) {
+    const TileSources& tile = f.tiles[t];
+    return local_separation_from_sources(state, g.x(k), g.y(j), growth, tile.xs, tile.ys, tile.separations);
+  }
+  return local_separation_from_sources(state, g.x(k), g.y(j), growth, f.field.xs, f.field.ys, f.field.separations);
+}
+
 // The literal choice among the open candidates: the smallest score
 // |distance to the seed - sep| + min over other listed points of
 // |distance - sep|, the first in scan order on a tie.
 bool choose(ProposalScratch& f, const Grid& g, std::int32_t seed, double x0, double y0, double sep, double& x,
-            double& y) {
+            double& y, std::int32_t& chosen_at) {
   f.open_list.clear();
   f.seed_term.clear();
   for_each_open(f.open, [&](std::size_t c) {
@@ -625,6 +654,7 @@ bool choose(ProposalScratch& f, const Grid& g, std::int32_t seed, double x0, dou
       best_at = q;
     }
   }
+  chosen_at = f.open_list[best_at];
   x = candidate_x(f.open_list[best_at]);
   y = candidate_y(f.open_list[best_at]);
   return true;
@@ -874,16 +904,27 @@ void propose_fast(const RunState& state, ProposalScratch& f, const PointView& vi
       }
     }
   }
-  out.chosen = choose(f, g, seed, x0, y0, sep, out.x, out.y);
+  std::int32_t chosen_at = 0;
+  out.chosen = choose(f, g, seed, x0, y0, sep, out.x, out.y, chosen_at);
+  if (out.chosen) {
+    out.separation = separation_at(state, f, g, chosen_at % g.nsdim - g.half, chosen_at / g.nsdim - g.half);
+  }
 }
 
-bool choose_from_seed_fast(RunState& state, std::int32_t seed, double& x, double& y) {
+bool choose_from_seed_fast(RunState& state, std::int32_t seed, double& x, double& y, double& separation) {
   Proposal proposal;
   propose_fast(state, state.fast_emplacement.scratch, run_points(state), seed, proposal);
+  separation = std::numeric_limits<double>::quiet_NaN();
   if (proposal.literal) return choose_from_seed_reference(state, seed, x, y);
   x = proposal.x;
   y = proposal.y;
+  separation = proposal.separation;
   return proposal.chosen;
+}
+
+bool choose_from_seed_fast(RunState& state, std::int32_t seed, double& x, double& y) {
+  double separation = 0.0;
+  return choose_from_seed_fast(state, seed, x, y, separation);
 }
 
 }  // namespace tesseramill

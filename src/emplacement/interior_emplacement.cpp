@@ -213,11 +213,12 @@ bool propose_from_seed(RunState& state, std::int32_t seed, std::int32_t cycle) {
   FastEmplacement& fast = state.fast_emplacement;
   double x = 0.0;
   double y = 0.0;
-  const bool chosen = fast.ready && !state.reference_paths ? choose_from_seed_fast(state, seed, x, y)
+  double separation = std::numeric_limits<double>::quiet_NaN();
+  const bool chosen = fast.ready && !state.reference_paths ? choose_from_seed_fast(state, seed, x, y, separation)
                                                           : choose_from_seed_reference(state, seed, x, y);
   if (!chosen) return false;
   const std::int32_t number = append_mesh_point(state, x, y, cycle);
-  if (fast.ready) index_run_point(state, number, std::numeric_limits<double>::quiet_NaN());
+  if (fast.ready) index_run_point(state, number, separation);
   return true;
 }
 

@@ -91,7 +91,11 @@ void propose_part(const RunState& state, std::int32_t first, const std::vector<s
     if (!proposal.chosen || proposal.literal) continue;
     own.own_coordinates.push_back(proposal.x);
     own.own_coordinates.push_back(proposal.y);
-    proposal.separation = local_separation(state, proposal.x, proposal.y, state.control.poly_growth_rate);
+    // A proposal that chose a point brings the field there; the field is
+    // worked out here only where it did not.
+    if (std::isnan(proposal.separation)) {
+      proposal.separation = local_separation(state, proposal.x, proposal.y, state.control.poly_growth_rate);
+    }
     own.own_strikes.push_back(point_strike(state.fast_emplacement, proposal.separation));
     insert_mesh_point(own.own, ++placed);
   }
@@ -187,9 +191,10 @@ std::int32_t propose_in_parts(RunState& state, std::int32_t first, std::int32_t 
     bool chosen = proposal.chosen;
     double x = proposal.x;
     double y = proposal.y;
+    double separation = std::numeric_limits<double>::quiet_NaN();
     if (!stands) {
       ++again;
-      chosen = choose_from_seed_fast(state, s, x, y);
+      chosen = choose_from_seed_fast(state, s, x, y, separation);
     }
     const bool placed_by_part = proposal.chosen && !proposal.literal;
     const bool as_part_placed = placed_by_part && chosen && same_bits(x, proposal.x) && same_bits(y, proposal.y);
@@ -201,8 +206,9 @@ std::int32_t propose_in_parts(RunState& state, std::int32_t first, std::int32_t 
     if (!chosen) continue;
     const std::int32_t number = append_mesh_point(state, x, y, cycle);
     // The field at a point the part placed as it stands is the part's, the
-    // same function of the same point.
-    index_run_point(state, number, as_part_placed ? proposal.separation : std::numeric_limits<double>::quiet_NaN());
+    // same function of the same point; a seed that proposed again brings
+    // the field its proposal worked out, where it did.
+    index_run_point(state, number, as_part_placed ? proposal.separation : separation);
     add_commit(commits, x, y, as_part_placed ? part : kSlabs);
     ++added;
   }

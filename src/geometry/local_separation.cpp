@@ -189,39 +189,46 @@ struct NearSource {
   double lower;
 };
 
-// Folds the sources of the bucket grid in two sweeps, so that the logarithm
-// and power are worked out for the few sources that can give the smallest
-// size, whatever the order in which the rings list them.  The first sweep
-// bounds each source's size by its algebraic form (size_bounds.h) and keeps
-// U, the smallest of the starting result and of the upper bounds; the
-// second works out, exactly as fold_source does, the sizes of the sources
-// whose lower bound lies below the final U.
+// Folds sources in two sweeps, so that the logarithm and power are worked
+// out for the few sources that can give the smallest size, whatever the
+// order in which they come.  The first sweep (visit) bounds each source's
+// size by its algebraic form (size_bounds.h) and keeps U, the smallest of
+// the starting result and of the upper bounds; the second (finish) works
+// out, exactly as fold_source does, the sizes of the sources whose lower
+// bound lies below the final U.
 //
-// Why the result is the same bits as folding every source.  Let M be the
-// smallest of the starting result and of all sizes; M <= U, since U is the
-// starting result or at least the size of a source.  A source is left out
-// only when it asks for at least the U of that moment, and so for at least
-// the final U: its separation is at least U, or it lies beyond the reach of
-// U (fold_source's test) or in a ring past the stop, or its lower bound is
-// at least U.  Such a source can equal M only when U = M; then U is the
+// Why the result is the same bits as folding every source visited.  Let M
+// be the smallest of the starting result and of all their sizes; M <= U,
+// since U is the starting result or at least the size of a source.  A
+// source is left out only when it asks for at least the U of that moment,
+// and so for at least the final U: its separation is at least U, or it
+// lies beyond the reach of U (fold_source's test), or its lower bound is at
+// least U.  Such a source can equal M only when U = M; then U is the
 // starting result, which the fold keeps, or the upper bound of a source t
 // whose size is at most U = M, hence M, and t is kept, as its lower bound
 // lies below its upper bound.  min() is exact, so the order of the second
 // sweep plays no part.
-void fold_indexed_bounded(const SourceIndex& index, double x, double y, const GrowthConstants& k, const Growth& g,
-                          double& result) {
+struct BoundedFold {
+  const GrowthConstants& k;
+  const Growth& g;
+  double x;
+  double y;
+  double upper;
   // The first sweep's sources are kept on the stack while they are few, as
-  // they nearly always are, and the rest in a vector of this call's own.
+  // they nearly always are, and the rest in a vector of this fold's own.
   // (Not in a thread_local vector: the Windows build emulates thread-local
   // storage and may release it before a thread-local object's destructor
   // runs when the thread ends, so that the destructor frees whatever the
   // released storage then holds.)
-  constexpr std::size_t kOnStack = 64;
+  static constexpr std::size_t kOnStack = 64;
   NearSource on_stack[kOnStack];
   std::vector<NearSource> spilled;
   std::size_t count = 0;
-  double upper = result;
-  walk_rings(index, x, y, k, upper, [&](double sx, double sy, double s) {
+
+  BoundedFold(const GrowthConstants& constants, const Growth& growth, double px, double py, double result)
+      : k(constants), g(growth), x(px), y(py), upper(result) {}
+
+  void visit(double sx, double sy, double s) {
     if (s >= upper) return;
     const double dx = x - sx;
     const double dy = y - sy;
@@ -238,12 +245,25 @@ void fold_indexed_bounded(const SourceIndex& index, double x, double y, const Gr
       spilled.push_back({d, s, lower});
     }
     ++count;
-  });
-  for (std::size_t i = 0; i < count; ++i) {
-    const NearSource& n = i < kOnStack ? on_stack[i] : spilled[i - kOnStack];
-    if (n.lower >= upper || n.s >= result) continue;
-    result = std::min(result, flat_or_source_size(k, n.d, n.s));
   }
+
+  void finish(double& result) const {
+    for (std::size_t i = 0; i < count; ++i) {
+      const NearSource& n = i < kOnStack ? on_stack[i] : spilled[i - kOnStack];
+      if (n.lower >= upper || n.s >= result) continue;
+      result = std::min(result, flat_or_source_size(k, n.d, n.s));
+    }
+  }
+};
+
+// Folds the sources of the bucket grid, as BoundedFold; walk_rings passes
+// over only sources that the first sweep would pass over, so the result is
+// that of folding every source.
+void fold_indexed_bounded(const SourceIndex& index, double x, double y, const GrowthConstants& k, const Growth& g,
+                          double& result) {
+  BoundedFold fold(k, g, x, y, result);
+  walk_rings(index, x, y, k, fold.upper, [&](double sx, double sy, double s) { fold.visit(sx, sy, s); });
+  fold.finish(result);
 }
 
 template <typename Fold>
@@ -275,20 +295,24 @@ double capped(const RunState& state, double x, double y, double result, bool lit
   return std::min(result, c.max_centroid_separation);
 }
 
+// Where the fast folds start.  MAX_CENTROID_SEPARATION caps the result in
+// the end, so a source asking for that much or more cannot change it: sizes
+// are sought below the cap only.  When none is found the result stays at
+// the cap, which the caps then turn into the same value as the largest
+// double would give.  This holds while the smallest cap is no larger than
+// that one, as the run makes it.
+double fold_start(const RunState& state) {
+  const double cap = state.control.max_centroid_separation;
+  const bool cap_bounds = cap > 0.0 && cap < kLargest && state.smallest_max_separation <= cap;
+  return cap_bounds ? cap : kLargest;
+}
+
 }  // namespace
 
 double local_separation(const RunState& state, double x, double y, double growth) {
   if (state.reference_paths) return local_separation_reference(state, x, y, growth);
   const GrowthConstants& k = cached_constants_for(growth);
-  // MAX_CENTROID_SEPARATION caps the result in the end, so a source asking
-  // for that much or more cannot change it: sizes are sought below the cap
-  // only.  When none is found the result stays at the cap, which the caps
-  // then turn into the same value as the largest double would give.  This
-  // holds while the smallest cap is no larger than that one, as the run
-  // makes it.
-  const double cap = state.control.max_centroid_separation;
-  const bool cap_bounds = cap > 0.0 && cap < kLargest && state.smallest_max_separation <= cap;
-  double result = cap_bounds ? cap : kLargest;
+  double result = fold_start(state);
   // A point that is no finite number has no place in the bucket grid.
   if (state.source_index.built && std::isfinite(x) && std::isfinite(y)) {
     Growth g;
@@ -300,6 +324,22 @@ double local_separation(const RunState& state, double x, double y, double growth
   } else {
     fold_all_sources(state, x, y, k, fold_fast, result);
   }
+  return capped(state, x, y, result, false);
+}
+
+double local_separation_from_sources(const RunState& state, double x, double y, double growth,
+                                     const std::vector<double>& xs, const std::vector<double>& ys,
+                                     const std::vector<double>& separations) {
+  Growth g;
+  if (state.reference_paths || !state.source_index.built || !std::isfinite(x) || !std::isfinite(y) ||
+      !growth_for(growth, g)) {
+    return local_separation(state, x, y, growth);
+  }
+  const GrowthConstants& k = cached_constants_for(growth);
+  double result = fold_start(state);
+  BoundedFold fold(k, g, x, y, result);
+  for (std::size_t i = 0; i < xs.size(); ++i) fold.visit(xs[i], ys[i], separations[i]);
+  fold.finish(result);
   return capped(state, x, y, result, false);
 }
 

@@ -2,12 +2,18 @@
 // literal steps on the same run state, chooses the same candidate.
 #include <gtest/gtest.h>
 
+#include <bit>
+#include <initializer_list>
+#include <cmath>
+#include <cstdint>
 #include <limits>
 #include <sstream>
+#include <utility>
 
 #include "emplacement/chains.h"
 #include "emplacement/fast_emplacement.h"
 #include "emplacement/interior_emplacement.h"
+#include "geometry/local_separation.h"
 #include "geometry/planar_tools.h"
 #include "geometry/source_index.h"
 #include "model_family.h"
@@ -21,11 +27,16 @@ namespace {
 using tesseramill_bench::ModelRecipe;
 namespace fs = std::filesystem;
 
+bool same_bits(double a, double b) { return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b); }
+
 // Replays the emplacement cycles on a model with the fast path, asks the
 // literal steps too at every `every`th seed, and appends the candidate.
 // Stops after `most` proposals.  Checking a share of the seeds keeps the
 // slow literal steps few while the replay reaches deep into the domain;
-// whole runs compare every proposal's outcome.
+// whole runs compare every proposal's outcome.  The field that a proposal
+// works out at its point, from the sources its bounds kept, must be the
+// very bits of local_separation there, at every seed, and of the literal
+// field at the checked ones.
 void expect_same_proposals(const fs::path& folder, const std::string& control, int most, int every) {
   RunState state;
   std::ostringstream screen;
@@ -34,6 +45,9 @@ void expect_same_proposals(const fs::path& folder, const std::string& control, i
   start_fast_emplacement(state);
   int proposals = 0;
   int checked = 0;
+  int fields = 0;
+  int placed = 0;
+  const double growth = state.control.poly_growth_rate;
   std::int32_t seed_after = 0;
   for (std::int32_t cycle = 1; proposals < most; ++cycle) {
     const std::int32_t n = state.mesh.mesh_point_count;
@@ -45,27 +59,48 @@ void expect_same_proposals(const fs::path& folder, const std::string& control, i
       double yf = 0.0;
       double xr = 0.0;
       double yr = 0.0;
-      const bool fast = choose_from_seed_fast(state, seed, xf, yf);
+      double separation = 0.0;
+      const bool fast = choose_from_seed_fast(state, seed, xf, yf, separation);
+      if (fast && !std::isnan(separation)) {
+        ASSERT_TRUE(same_bits(separation, local_separation(state, xf, yf, growth)))
+            << "cycle " << cycle << " seed " << seed << ": " << separation;
+        ++fields;
+      }
       if (proposals % every == 0) {
         state.reference_paths = true;
         const bool reference = choose_from_seed_reference(state, seed, xr, yr);
+        const double literal_field = fast ? local_separation_reference(state, xf, yf, growth) : 0.0;
         state.reference_paths = false;
         ASSERT_EQ(fast, reference) << "cycle " << cycle << " seed " << seed;
         if (fast) {
           ASSERT_EQ(xf, xr) << "cycle " << cycle << " seed " << seed;
           ASSERT_EQ(yf, yr) << "cycle " << cycle << " seed " << seed;
+          if (!std::isnan(separation)) {
+            ASSERT_TRUE(same_bits(separation, literal_field)) << "cycle " << cycle << " seed " << seed;
+          }
           ++checked;
         }
       }
       if (!fast) continue;
+      ++placed;
       const std::int32_t number = append_mesh_point(state, xf, yf, cycle);
-      index_run_point(state, number, std::numeric_limits<double>::quiet_NaN());
+      index_run_point(state, number, separation);
       ++added;
     }
     if (added == 0) break;
   }
   // Enough proposals that chose a candidate have to be checked to mean anything.
   EXPECT_GT(checked, 20);
+  // Only a point that the literal steps chose has no field from its proposal.
+  EXPECT_GT(fields, placed * 9 / 10) << placed;
+}
+
+// The same on a model written from the texts of its files; its control file
+// is m.in.
+void expect_same_proposals(std::initializer_list<std::pair<const char*, const char*>> files, int most, int every) {
+  tesseramill_test::ScratchDir dir;
+  for (const auto& [name, text] : files) dir.write(name, text);
+  expect_same_proposals(dir.path(), "m.in", most, every);
 }
 
 void expect_same_proposals(const ModelRecipe& recipe, int most, int every) {
@@ -138,15 +173,29 @@ TEST(FastEmplacement, ChoosesAsTheLiteralStepsOnADomainOf1e7) {
 // one another's distances: the square of side 60 with spacing 6 and NSDIM 9
 // puts candidates at whole numbers.
 TEST(FastEmplacement, ChoosesAsTheLiteralStepsWithCandidatesOnEdgesAndPoints) {
-  tesseramill_test::ScratchDir dir;
-  dir.write("outer.bln", "5\n0 0 6\n60 0 6\n60 60 6\n0 60 6\n0 0 6\n");
-  dir.write("hole.bln", "5\n24 24 6\n36 24 6\n36 36 6\n24 36 6\n24 24 6\n");
-  dir.write("pts.bln", "1\n12 48 3\n");
-  dir.write("m.in",
-            "START CONTROL\n MAX_CENTROID_SEPARATION 6\n POLY_GROWTH_RATE 1.2\n OUT_FILE_BASE m\n MAX_CELLS 5000\n"
-            " NSDIM 9\nEND\nSTART MF6\n MF6_BASENAME m\n NLAY 1\nEND\nSTART OUTER_BOUNDARY\n BLN_FILE outer.bln\nEND\n"
-            "START INNER_BOUNDARY\n BLN_FILE hole.bln\nEND\nSTART INNER_POINTS\n BLN_FILE pts.bln\nEND\n");
-  expect_same_proposals(dir.path(), "m.in", 3000, 1);
+  expect_same_proposals(
+      {{"outer.bln", "5\n0 0 6\n60 0 6\n60 60 6\n0 60 6\n0 0 6\n"},
+       {"hole.bln", "5\n24 24 6\n36 24 6\n36 36 6\n24 36 6\n24 24 6\n"},
+       {"pts.bln", "1\n12 48 3\n"},
+       {"m.in",
+        "START CONTROL\n MAX_CENTROID_SEPARATION 6\n POLY_GROWTH_RATE 1.2\n OUT_FILE_BASE m\n MAX_CELLS 5000\n"
+        " NSDIM 9\nEND\nSTART MF6\n MF6_BASENAME m\n NLAY 1\nEND\nSTART OUTER_BOUNDARY\n BLN_FILE outer.bln\nEND\n"
+        "START INNER_BOUNDARY\n BLN_FILE hole.bln\nEND\nSTART INNER_POINTS\n BLN_FILE pts.bln\nEND\n"}},
+      3000, 1);
+}
+
+// A refinement zone whose cap, not its ring's sources, sets the field in
+// its middle: the field a proposal works out at its point must take the
+// zone's cap as local_separation does.
+TEST(FastEmplacement, ChoosesAsTheLiteralStepsWhereAZoneCapsTheField) {
+  expect_same_proposals(
+      {{"outer.bln", "5\n0 0 60\n600 0 60\n600 600 60\n0 600 60\n0 0 60\n"},
+       {"zone.bln", "5\n150 150 30\n450 150 30\n450 450 30\n150 450 30\n150 150 30\n"},
+       {"m.in",
+        "START CONTROL\n MAX_CENTROID_SEPARATION 60\n POLY_GROWTH_RATE 1.2\n OUT_FILE_BASE m\n MAX_CELLS 20000\n"
+        " NSDIM 11\nEND\nSTART MF6\n MF6_BASENAME m\n NLAY 1\nEND\nSTART OUTER_BOUNDARY\n BLN_FILE outer.bln\nEND\n"
+        "START INNER_POLYGON\n BLN_FILE zone.bln\n MAX_CENTROID_SEPARATION 14.0\nEND\n"}},
+      3000, 3);
 }
 
 TEST(FastEmplacement, ChoosesAsTheLiteralStepsOnTheExampleWithEveryKindOfInput) {
@@ -197,7 +246,8 @@ TEST(FastEmplacement, ChoosesAsTheLiteralStepsThroughExactTies) {
     double yf = 0.0;
     double xr = 0.0;
     double yr = 0.0;
-    const bool fast = choose_from_seed_fast(state, 1, xf, yf);
+    double separation = 0.0;
+    const bool fast = choose_from_seed_fast(state, 1, xf, yf, separation);
     state.reference_paths = true;
     const bool reference = choose_from_seed_reference(state, 1, xr, yr);
     ASSERT_EQ(fast, reference) << trial;
@@ -205,6 +255,7 @@ TEST(FastEmplacement, ChoosesAsTheLiteralStepsThroughExactTies) {
     ++chosen;
     ASSERT_EQ(xf, xr) << trial;
     ASSERT_EQ(yf, yr) << trial;
+    ASSERT_TRUE(same_bits(separation, local_separation_reference(state, xf, yf, 1.2))) << trial << ": " << separation;
   }
   EXPECT_GT(chosen, 700);
 }
