@@ -3,10 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <bit>
-#include <initializer_list>
 #include <cmath>
 #include <cstdint>
-#include <limits>
+#include <initializer_list>
 #include <sstream>
 #include <utility>
 
