@@ -161,13 +161,16 @@ TileRange tile_range(const Grid& g, std::int32_t ti, std::int32_t tj) {
   return {k0, std::min(k0 + kTileSide - 1, g.half), j0, std::min(j0 + kTileSide - 1, g.half)};
 }
 
+// The number of the tile that holds candidate (k, j).
+std::size_t tile_number(const Grid& g, std::int32_t k, std::int32_t j) {
+  return static_cast<std::size_t>((j + g.half) / kTileSide * tiles_per_side(g) + (k + g.half) / kTileSide);
+}
+
 // The tile of candidate (k, j), its sources kept when first asked for.
 const TileSources& tile_of(const RunState& state, ProposalScratch& f, const Grid& g, std::int32_t k, std::int32_t j) {
-  const std::int32_t ti = (k + g.half) / kTileSide;
-  const std::int32_t tj = (j + g.half) / kTileSide;
-  const std::size_t t = static_cast<std::size_t>(tj * tiles_per_side(g) + ti);
+  const std::size_t t = tile_number(g, k, j);
   if (f.tile_kept[t] == 0) {
-    const TileRange r = tile_range(g, ti, tj);
+    const TileRange r = tile_range(g, (k + g.half) / kTileSide, (j + g.half) / kTileSide);
     keep_tile_sources(state, f.field, g.x(r.k0), g.x(r.k1), g.y(r.j0), g.y(r.j1), f.tiles[t]);
     f.tile_kept[t] = 1;
   }
@@ -584,9 +587,7 @@ void strike_near_segments(const RunState& state, const SegmentIndex& segments, P
 // rectangle's, and a source left out of the rectangle has a lower bound at
 // least the rectangle's U, which is at least the tile's.
 double separation_at(const RunState& state, ProposalScratch& f, const Grid& g, std::int32_t k, std::int32_t j) {
-  const std::int32_t ti = (k + g.half) / kTileSide;
-  const std::int32_t tj = (j + g.half) / kTileSide;
-  const std::size_t t = static_cast<std::size_t>(tj * tiles_per_side(g) + ti);
+  const std::size_t t = tile_number(g, k, j);
   const double growth = state.control.poly_growth_rate;
   if (f.tile_kept[t] != 0) {
     const TileSources& tile = f.tiles[t];

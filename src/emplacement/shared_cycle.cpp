@@ -15,7 +15,6 @@
 #include "emplacement/fast_emplacement.h"
 #include "emplacement/interior_emplacement.h"
 #include "emplacement/slab_cuts.h"
-#include "geometry/local_separation.h"
 
 namespace tesseramill {
 
@@ -91,11 +90,7 @@ void propose_part(const RunState& state, std::int32_t first, const std::vector<s
     if (!proposal.chosen || proposal.literal) continue;
     own.own_coordinates.push_back(proposal.x);
     own.own_coordinates.push_back(proposal.y);
-    // A proposal that chose a point brings the field there; the field is
-    // worked out here only where it did not.
-    if (std::isnan(proposal.separation)) {
-      proposal.separation = local_separation(state, proposal.x, proposal.y, state.control.poly_growth_rate);
-    }
+    // A proposal that chose a point brings the field there (local_separation's bits).
     own.own_strikes.push_back(point_strike(state.fast_emplacement, proposal.separation));
     insert_mesh_point(own.own, ++placed);
   }
