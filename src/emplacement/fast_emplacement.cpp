@@ -923,9 +923,4 @@ bool choose_from_seed_fast(RunState& state, std::int32_t seed, double& x, double
   return proposal.chosen;
 }
 
-bool choose_from_seed_fast(RunState& state, std::int32_t seed, double& x, double& y) {
-  double separation = 0.0;
-  return choose_from_seed_fast(state, seed, x, y, separation);
-}
-
 }  // namespace tesseramill

@@ -161,10 +161,9 @@ void propose_fast(const RunState& state, ProposalScratch& scratch, const PointVi
                   Proposal& out);
 
 // The candidate that the literal steps of seed `seed` choose among all the
-// run's mesh points; false when none is left.
-bool choose_from_seed_fast(RunState& state, std::int32_t seed, double& x, double& y);
-// The same, with the field at the point chosen (local_separation's bits)
-// when the proposal worked it out, NaN when not.
+// run's mesh points, false when none is left; with the field at the point
+// chosen (local_separation's bits) when the proposal worked it out, NaN
+// when not.
 bool choose_from_seed_fast(RunState& state, std::int32_t seed, double& x, double& y, double& separation);
 
 }  // namespace tesseramill
