@@ -137,7 +137,8 @@ void write_triangle_map_files(RunState& state) {
 
 namespace {
 
-void fill_polygon_map_files(const RunState& state, OutputFile& mif, OutputFile& mid) {
+void fill_polygon_map_files(const RunState& state, OutputFile& mif, OutputFile& mid,
+                            FillCores cores = FillCores::both) {
   for (const char* head : {"Version 2", "Delimiter \",\"", "Columns 2", "   icpl Integer",
                            "   cell_area  Float", "Data"}) {
     put_line(mif, head);
@@ -158,7 +159,7 @@ void fill_polygon_map_files(const RunState& state, OutputFile& mif, OutputFile& 
     }
     coordinate_line(text, cells.cell_centroid[2 * k] + state.x_offset, cells.cell_centroid[2 * k + 1] + state.y_offset,
                     "Center");
-  });
+  }, cores);
   put_items(mid, count, [&](std::size_t k, std::string& text) {
     char line[6 + 2 + 16 + 1];
     char* p = put_integer(line, static_cast<std::int64_t>(k + 1), 6);
@@ -167,12 +168,12 @@ void fill_polygon_map_files(const RunState& state, OutputFile& mif, OutputFile& 
     p = put_scientific(p, std::fabs(cells.cell_area[k]), 16, 9);
     *p++ = '\n';
     text.append(line, static_cast<std::size_t>(p - line));
-  });
+  }, cores);
   close_output(mif);
   close_output(mid);
 }
 
-void fill_polygon_bln_file(const RunState& state, OutputFile& bln) {
+void fill_polygon_bln_file(const RunState& state, OutputFile& bln, FillCores cores = FillCores::both) {
   const CellTables& cells = state.cells;
   put_items(bln, static_cast<std::size_t>(state.mesh.mesh_point_count), [&](std::size_t k, std::string& text) {
     const std::int32_t m = cells.cell_vertex_count[k];
@@ -196,11 +197,11 @@ void fill_polygon_bln_file(const RunState& state, OutputFile& bln) {
       *p++ = '\n';
       text.append(line, static_cast<std::size_t>(p - line));
     }
-  });
+  }, cores);
   close_output(bln);
 }
 
-void fill_polygon_centroid_table(const RunState& state, OutputFile& dat) {
+void fill_polygon_centroid_table(const RunState& state, OutputFile& dat, FillCores cores = FillCores::both) {
   put_line(dat, "      icpl       centroid_x       centroid_y          cell_area");
   const CellTables& cells = state.cells;
   put_items(dat, static_cast<std::size_t>(state.mesh.mesh_point_count), [&](std::size_t k, std::string& text) {
@@ -213,7 +214,7 @@ void fill_polygon_centroid_table(const RunState& state, OutputFile& dat) {
     }
     *p++ = '\n';
     text.append(line, static_cast<std::size_t>(p - line));
-  });
+  }, cores);
   close_output(dat);
 }
 
@@ -237,7 +238,13 @@ void open_cell_files(RunState& state, CellFiles& files) {
   }
 }
 
-void fill_cell_files(const RunState& state, CellFiles& files) {
+void fill_cell_files(const RunState& state, CellFiles& files, FillCores cores) {
+  if (cores == FillCores::one) {
+    fill_polygon_map_files(state, files.mif, files.mid, cores);
+    fill_polygon_bln_file(state, files.bln, cores);
+    fill_polygon_centroid_table(state, files.dat, cores);
+    return;
+  }
   fill_side_by_side(
       static_cast<std::size_t>(std::max(state.mesh.mesh_point_count, 0)),
       [&] { fill_polygon_map_files(state, files.mif, files.mid); },

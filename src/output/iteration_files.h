@@ -27,7 +27,7 @@ struct CellFiles {
   OutputFile dat;
 };
 void open_cell_files(RunState& state, CellFiles& files);
-void fill_cell_files(const RunState& state, CellFiles& files);
+void fill_cell_files(const RunState& state, CellFiles& files, FillCores cores = FillCores::both);
 
 // Each file kind opened and written at once.
 void write_triangle_map_files(RunState& state);

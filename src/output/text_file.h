@@ -51,6 +51,10 @@ void put_text(OutputFile& out, const std::string& text);
 // block while the other writes, and each writing only when every block
 // before its own has been written, so the file is the same as from one pass.
 using BlockFormat = std::function<void(std::size_t block, std::string& text)>;
+
+// The cores a file's filling may take: both, or one when it runs beside
+// work that keeps the other busy.
+enum class FillCores { both, one };
 void put_blocks(OutputFile& out, std::size_t blocks, const BlockFormat& format_block, bool shared);
 
 // Appends the lines of items 0 .. count-1 in their order: format(item, text)
@@ -59,7 +63,7 @@ void put_blocks(OutputFile& out, std::size_t blocks, const BlockFormat& format_b
 // when the file has enough items for a second thread to pay; a block's text
 // is about a megabyte at most, whatever the number of items.
 template <typename Format>
-void put_items(OutputFile& out, std::size_t count, Format format) {
+void put_items(OutputFile& out, std::size_t count, Format format, FillCores cores = FillCores::both) {
   constexpr std::size_t kItemsPerBlock = 4096;
   const std::size_t blocks = (count + kItemsPerBlock - 1) / kItemsPerBlock;
   put_blocks(
@@ -68,7 +72,7 @@ void put_items(OutputFile& out, std::size_t count, Format format) {
         const std::size_t end = std::min(count, (block + 1) * kItemsPerBlock);
         for (std::size_t item = block * kItemsPerBlock; item < end; ++item) format(item, text);
       },
-      count >= smallest_shared_work.load(std::memory_order_relaxed));
+      cores == FillCores::both && count >= smallest_shared_work.load(std::memory_order_relaxed));
 }
 
 // Writes what is pending and closes the file.

@@ -96,11 +96,17 @@ void move_free_points(RunState& state, double stay_fac) {
 // thread of their own while the passes go on; each is filled from tables
 // that nothing changes until the fill is waited for:
 // - the triangle map files read the triangle tables and the mesh points,
-//   which the cells of the pass only read; they are waited for before the
-//   points move;
+//   which the cells of the pass only read; they are filled beside the
+//   pass's cells, on both cores, and waited for before the points move;
 // - the cell files read the cell tables, which nothing changes until the
-//   next pass assembles its cells, after its triangulation; they are waited
-//   for there, or when the loop ends.
+//   next pass assembles its cells, after its triangulation.  In the last
+//   pass they are filled at once beside the triangle files.  In an earlier
+//   pass (the first) their fill begins once the triangle files are done and
+//   takes one core, beside the next pass's triangulation, whose insertion
+//   holds the other core alone; it is waited for before the next pass
+//   assembles its cells.  Begun earlier, it took the cores the triangle
+//   files need before the points can move, and left the second core idle
+//   through the insertion.
 // The files thus hold what they hold when written at once.  The reference
 // path writes each at once.
 void lloyd_iterations(RunState& state) {
@@ -129,18 +135,19 @@ void lloyd_iterations(RunState& state) {
     cell_fill.finish();
     assemble_cell_polygons(state);
     measure_cells(state);
+    const bool count_reached = state.lloyd_iteration == state.control.max_lloyd;
+    const bool last_pass = count_reached || state.lloyd_last_pass;
     if (files_due) {
       open_cell_files(state, cell_files);
-      if (beside) {
-        cell_fill.start([&] { fill_cell_files(state, cell_files); });
-      } else {
+      if (!beside) {
         fill_cell_files(state, cell_files);
+      } else if (last_pass) {
+        cell_fill.start([&] { fill_cell_files(state, cell_files); });
       }
     }
     const PassMeasure m = measure_pass(state);
     screen << pass_line(state.lloyd_iteration, m) << "\n";
-    const bool count_reached = state.lloyd_iteration == state.control.max_lloyd;
-    if (count_reached || state.lloyd_last_pass) {
+    if (last_pass) {
       if (count_reached) {
         screen << "\n - Lloyd iteration count of " << state.control.max_lloyd << " reached\n\n";
       } else {
@@ -152,6 +159,7 @@ void lloyd_iterations(RunState& state) {
     }
     if (m.count > 0 && state.control.eps_lloyd >= m.last_d) state.lloyd_last_pass = true;
     triangle_fill.finish();
+    if (files_due && beside) cell_fill.start([&] { fill_cell_files(state, cell_files, FillCores::one); });
     move_free_points(state, stay_fac);
     state.lloyd_iteration += 1;
   }

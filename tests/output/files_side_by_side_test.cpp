@@ -1,6 +1,7 @@
 // The map files of a pass are filled two sets at a time, on a thread each,
 // once they hold enough items: the triangles' MIF beside their MID, and the
-// cells' MIF and MID beside their BLN file and centroid table.  Each file
+// cells' MIF and MID beside their BLN file and centroid table; or, kept to
+// one core, one file after another.  Each file
 // must hold what one thread writes, and when memory runs out in the first
 // set, the second set must be left empty, as one thread would not have
 // begun it.
@@ -98,9 +99,14 @@ std::map<std::string, std::string> triangle_files(bool one_core, std::size_t fai
       one_core, fail_from);
 }
 
-std::map<std::string, std::string> cell_files(bool one_core, std::size_t fail_from = 0) {
-  return filled<tesseramill::CellFiles>(cell_state, tesseramill::open_cell_files, tesseramill::fill_cell_files,
-                                        one_core, fail_from);
+std::map<std::string, std::string> cell_files(bool one_core, std::size_t fail_from = 0,
+                                              tesseramill::FillCores cores = tesseramill::FillCores::both) {
+  return filled<tesseramill::CellFiles>(
+      cell_state, tesseramill::open_cell_files,
+      [cores](const RunState& state, tesseramill::CellFiles& files) {
+        tesseramill::fill_cell_files(state, files, cores);
+      },
+      one_core, fail_from);
 }
 
 const char* const kTriangleMifHead =
@@ -122,6 +128,17 @@ TEST(FilesSideBySide, CellFilesHoldWhatOneThreadWrites) {
   ASSERT_EQ(one.size(), 4u);
   EXPECT_EQ(one.at("t_polygons_2.mid").substr(0, 25), "     1,  1.000000000E+02\n");
   EXPECT_TRUE(one == two);
+}
+
+// Filled beside the next pass's triangulation, the cell files keep to one
+// core although two are there to share them, and hold the same.
+TEST(FilesSideBySide, CellFilesKeptToOneCoreHoldWhatOneThreadWrites) {
+  const std::map<std::string, std::string> one = cell_files(true);
+  const std::map<std::string, std::string> kept = cell_files(false, 0, tesseramill::FillCores::one);
+  ASSERT_EQ(one.size(), 4u);
+  EXPECT_EQ(kept.at("t_polygon_centroids_2.dat").substr(0, 64),
+            "      icpl       centroid_x       centroid_y          cell_area\n");
+  EXPECT_TRUE(one == kept);
 }
 
 // A block of the triangles' MIF (4,096 triangles of 202 bytes) needs a
@@ -150,6 +167,7 @@ TEST(FilesSideBySide, MemoryThatRunsOutInTheCellMifLeavesTheOthersEmpty) {
     EXPECT_EQ(one.at(name), "") << name;
   }
   EXPECT_TRUE(one == two);
+  EXPECT_TRUE(one == cell_files(false, 512 * 1024, tesseramill::FillCores::one));
 }
 
 }  // namespace
