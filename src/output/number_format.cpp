@@ -115,12 +115,13 @@ bool scaled_to_integer(Binary b, std::uint64_t scale, std::uint64_t& q) {
     const std::uint64_t whole = (high << (64 - k)) | (low >> k);
     const std::uint64_t remainder = low & ((std::uint64_t{1} << k) - 1);
     const std::uint64_t half = std::uint64_t{1} << (k - 1);
-    if (remainder > half || (remainder == half && (whole & 1) != 0)) {
-      if (whole == ~std::uint64_t{0}) return false;
-      q = whole + 1;
-    } else {
-      q = whole;
-    }
+    // Whether to round up, worked out without a branch: the remainder of
+    // a coordinate's digits is as good as random, so a branch on it would
+    // be mispredicted half the time.  The same integer, by the same rule.
+    const std::uint64_t up = static_cast<std::uint64_t>(remainder > half) |
+                             (static_cast<std::uint64_t>(remainder == half) & whole & 1);
+    if (whole == ~std::uint64_t{0} && up != 0) return false;
+    q = whole + up;
     return true;
   }
   if (b.e >= 0) {
@@ -332,9 +333,18 @@ char* put_fixed(char* at, double value, int width, int decimals) {
   if (std::isfinite(value) && fixed_integer(std::fabs(value), decimals, q)) {
     // The digits go straight to the right end of the field, and the blanks
     // before them: no copy of the text on the way.
+    // The number fits when its digits (at least decimals + 1), its point
+    // and its sign do: a comparison of q with the power of ten the columns
+    // left for the digits allow, the same test as fixed_length's count
+    // against the field.  The count itself is not worked out: its last
+    // step is a comparison that goes either way for coordinates near a
+    // power of two, a branch mispredicted as often as taken, and the
+    // digits' start comes from writing them.
     const bool negative = value < 0.0;
-    const std::size_t length = fixed_length(q, decimals) + (negative ? 1 : 0);
-    if (length > w) {
+    const int digit_columns = static_cast<int>(w) - (negative ? 1 : 0) - (decimals > 0 ? 1 : 0);
+    const bool fits = decimals + 1 <= digit_columns &&
+                      (digit_columns > 19 || q < kPowersOfTen[static_cast<std::size_t>(digit_columns)]);
+    if (!fits) {
       std::memset(at, '*', w);
       return at + w;
     }

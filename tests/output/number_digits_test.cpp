@@ -181,6 +181,42 @@ TEST(NumberDigits, WordsAndOverflowsWrittenStraightIntoALine) {
   EXPECT_EQ(put({'s', 0, 10}, -1.5e-300), "-1.5000000000E-300");
 }
 
+// A fixed layout written straight into a line decides whether the number
+// fits its field from q and the columns left for the digits, where the
+// other layouts count the digits: numbers that fill the field to its last
+// column, or one column more, on either side of a power of ten and with the
+// carry of the rounding into it, with and without their sign.
+TEST(NumberDigits, FixedFieldsFilledToTheLastColumn) {
+  int differences = 0;
+  for (int width = 1; width <= 22; ++width) {
+    for (int decimals = 0; decimals <= 6; ++decimals) {
+      for (int e = 0; e <= 19; ++e) {
+        const double p = std::pow(10.0, e);
+        const double half_step = 0.5 * std::pow(10.0, -decimals);
+        for (double v : {p, std::nextafter(p, 0.0), p - half_step, std::nextafter(p - half_step, 0.0), p - 1.0}) {
+          for (double signed_v : {v, -v}) {
+            const Layout l{'f', width, decimals};
+            const std::string a = put(l, signed_v);
+            const std::string b = reference(l, signed_v);
+            if (a != b && ++differences <= 10) {
+              ADD_FAILURE() << "width " << width << " decimals " << decimals << " of " << std::hexfloat << signed_v
+                            << ": " << a << " against " << b;
+            }
+          }
+        }
+      }
+    }
+  }
+  EXPECT_EQ(differences, 0);
+  // 999.9995 is held as 999.99950000000001, which rounds up to 1000.000.
+  EXPECT_EQ(put({'f', 7, 3}, 999.9995), "*******");
+  EXPECT_EQ(put({'f', 8, 3}, 999.9995), "1000.000");
+  EXPECT_EQ(put({'f', 8, 3}, -999.9995), "********");
+  EXPECT_EQ(put({'f', 9, 3}, -999.9995), "-1000.000");
+  EXPECT_EQ(put({'f', 6, 3}, -0.0004), "-0.000");
+  EXPECT_EQ(put({'f', 5, 3}, -0.0004), "*****");
+}
+
 TEST(NumberDigits, IntegersWrittenStraightIntoALine) {
   const std::vector<std::int64_t> values = {0, 1, -1, 9, 10, 99999, 100000, 999999, 1000000, -99999, -100000,
                                             2147483647, -2147483647 - 1, INT64_MAX, INT64_MIN};
