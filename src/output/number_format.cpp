@@ -331,8 +331,6 @@ char* put_fixed(char* at, double value, int width, int decimals) {
   const std::size_t w = static_cast<std::size_t>(width < 1 ? 1 : width);
   std::uint64_t q = 0;
   if (std::isfinite(value) && fixed_integer(std::fabs(value), decimals, q)) {
-    // The digits go straight to the right end of the field, and the blanks
-    // before them: no copy of the text on the way.
     // The number fits when its digits (at least decimals + 1), its point
     // and its sign do: a comparison of q with the power of ten the columns
     // left for the digits allow, the same test as fixed_length's count
@@ -348,6 +346,8 @@ char* put_fixed(char* at, double value, int width, int decimals) {
       std::memset(at, '*', w);
       return at + w;
     }
+    // The digits go straight to the right end of the field, and the blanks
+    // before them: no copy of the text on the way.
     char* p = put_fixed_digits(at + w, q, decimals);
     if (negative) *--p = '-';
     std::memset(at, ' ', static_cast<std::size_t>(p - at));

@@ -1,10 +1,9 @@
 // The map files of a pass are filled two sets at a time, on a thread each,
 // once they hold enough items: the triangles' MIF beside their MID, and the
 // cells' MIF and MID beside their BLN file and centroid table; or, kept to
-// one core, one file after another.  Each file
-// must hold what one thread writes, and when memory runs out in the first
-// set, the second set must be left empty, as one thread would not have
-// begun it.
+// one core, one file after another.  Each file must hold what one thread
+// writes, and when memory runs out in the first set, the second set must be
+// left empty, as one thread would not have begun it.
 #include <gtest/gtest.h>
 
 #include <map>
