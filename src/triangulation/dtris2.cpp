@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <ostream>
 
 #include "common/parallel.h"
@@ -36,8 +37,8 @@ namespace {
 
 // The working view of one call: 1-based access to points and tables.  The
 // corners and neighbours of triangle t start at [stride (t-1)] of their
-// tables: stride 3 for the two tables of the result, or stride 6 for one
-// table that keeps a triangle's corners and neighbours side by side.
+// tables: stride 3 for the two tables of the result, or kTriangleRecord for
+// the one table that keeps a triangle's corners and neighbours side by side.
 struct Mesh {
   const double* points;
   std::int32_t* sort_index;
@@ -451,7 +452,6 @@ int DTRIS2(std::int32_t n, const double* points, std::int32_t* sort_index, std::
   // numbering changes no decision; the numbers are put back at the end.
   work.sorted_points.resize(2 * static_cast<std::size_t>(n));
   work.identity.resize(static_cast<std::size_t>(n));
-  work.triangles.resize(12 * static_cast<std::size_t>(std::max(n, 2)));
   // Each point is copied by itself, so the copying is shared between the
   // two cores, as is the copying back of each triangle below.
   run_in_parts(static_cast<std::size_t>(std::max(n, 0)), [&](std::size_t begin, std::size_t end, int) {
@@ -467,14 +467,20 @@ int DTRIS2(std::int32_t n, const double* points, std::int32_t* sort_index, std::
   // swaps read them together; copied into the two tables at the end.  The
   // insertion of dtris2_insertion.cpp takes the literal steps' every
   // decision (see there); where it cannot vouch for that, the literal steps
-  // run on the same copy.
+  // run on the same copy.  Room is made for 2n records and for moving the
+  // first to a 64-byte line (see kTriangleRecord).
+  constexpr std::size_t kLine = 64;
+  work.triangles.resize(2 * kTriangleRecord * static_cast<std::size_t>(std::max(n, 2)) +
+                        kLine / sizeof(std::int32_t));
+  const std::size_t misalignment = reinterpret_cast<std::uintptr_t>(work.triangles.data()) % kLine;
+  std::int32_t* const records =
+      work.triangles.data() + (misalignment == 0 ? 0 : (kLine - misalignment) / sizeof(std::int32_t));
   work.hull_end.resize(static_cast<std::size_t>(n));
   int ierror = 0;
-  const FastInsertion fast = insert_sorted_points(n, work.sorted_points.data(), work.triangles.data(),
+  const FastInsertion fast = insert_sorted_points(n, work.sorted_points.data(), records,
                                                   work.hull_end.data(), stack, triangle_count, ierror, screen);
   if (fast == FastInsertion::kTwoEdgesShared) {
-    Mesh m{work.sorted_points.data(), work.identity.data(), work.triangles.data(), work.triangles.data() + 3,
-           stack, screen, 6};
+    Mesh m{work.sorted_points.data(), work.identity.data(), records, records + 3, stack, screen, kTriangleRecord};
     ierror = triangulate_sorted(m, n, triangle_count);
   }
   // The fast insertion codes a neighbour as 3u + f, with the edge f of u
@@ -482,7 +488,7 @@ int DTRIS2(std::int32_t n, const double* points, std::int32_t* sort_index, std::
   const bool coded = fast == FastInsertion::kDone;
   run_in_parts(static_cast<std::size_t>(std::max(triangle_count, 0)), [&](std::size_t begin, std::size_t end, int) {
     for (std::size_t t = begin; t < end; ++t) {
-      const std::int32_t* from = &work.triangles[6 * t];
+      const std::int32_t* from = &records[kTriangleRecord * t];
       for (std::size_t e = 0; e < 3; ++e) {
         tri_vertex[3 * t + e] = sort_index[from[e] - 1];
         const std::int32_t across = from[3 + e];

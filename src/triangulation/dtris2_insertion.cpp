@@ -39,10 +39,10 @@ struct Tables {
 
   const double* point(std::int32_t k) const { return points + 2 * static_cast<std::size_t>(k - 1); }
   std::int32_t& vertex(std::int32_t t, std::int32_t e) {
-    return triangles[6 * static_cast<std::size_t>(t - 1) + static_cast<std::size_t>(e)];
+    return triangles[kTriangleRecord * static_cast<std::size_t>(t - 1) + static_cast<std::size_t>(e)];
   }
   std::int32_t& across(std::int32_t t, std::int32_t e) {
-    return triangles[6 * static_cast<std::size_t>(t - 1) + 3 + static_cast<std::size_t>(e)];
+    return triangles[kTriangleRecord * static_cast<std::size_t>(t - 1) + 3 + static_cast<std::size_t>(e)];
   }
   std::int32_t& hull_edge_ending_at(std::int32_t k) { return hull_end[k - 1]; }
 };
