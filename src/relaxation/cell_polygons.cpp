@@ -228,12 +228,22 @@ void order_connected_triangles(RunState& state) {
     std::int32_t* work = part == 0 ? state.mesh.work_list.data() : tt.second_scratch.data();
     PartFailure& failure = lowest[part];
     for (std::size_t k = begin; k < end; ++k) {
-      // The column and count of the point some places on in the sorted
-      // order, which lie scattered, are asked for while this one is ordered.
-      if (sorted && k + kPrefetchAhead < end) {
-        const std::int32_t ahead = tt.sort_index[k + kPrefetchAhead];
+      // The column and count of the point twice some places on in the
+      // sorted order, which lie scattered, are asked for while this one is
+      // ordered, and the neighbour entries of the triangles of the point
+      // half as far on, whose column and count were asked for so before.
+      if (sorted && k + 2 * kPrefetchAhead < end) {
+        const std::int32_t ahead = tt.sort_index[k + 2 * kPrefetchAhead];
         prefetch(column(state, ahead));
         prefetch(&tt.point_tri_count[static_cast<std::size_t>(ahead - 1)]);
+      }
+      if (sorted && k + kPrefetchAhead < end) {
+        const std::int32_t near = tt.sort_index[k + kPrefetchAhead];
+        const std::int32_t* near_column = column(state, near);
+        const std::int32_t near_count = tt.point_tri_count[static_cast<std::size_t>(near - 1)];
+        for (std::int32_t m = 0; m < near_count; ++m) {
+          prefetch(&tt.tri_neighbour[3 * static_cast<std::size_t>(near_column[m] - 1)]);
+        }
       }
       const std::int32_t p = sorted ? tt.sort_index[k] : static_cast<std::int32_t>(k + 1);
       std::int32_t* col = column(state, p);

@@ -55,8 +55,24 @@ std::string collapse_message(const RunState& state, std::int32_t t, const double
   return message;
 }
 
+// Whether triangle k (0-based), not collapsed, with its centroid worked
+// out, lies outside the domain: all three corners on rings and the centroid
+// outside.
+bool outside_domain(const RunState& state, std::size_t k) {
+  const TriangleTable& tt = state.triangles;
+  const std::vector<std::int32_t>& label = state.mesh.mesh_point_label;
+  return on_ring(label[static_cast<std::size_t>(tt.tri_vertex[3 * k] - 1)]) &&
+         on_ring(label[static_cast<std::size_t>(tt.tri_vertex[3 * k + 1] - 1)]) &&
+         on_ring(label[static_cast<std::size_t>(tt.tri_vertex[3 * k + 2] - 1)]) &&
+         !point_in_domain(state, tt.tri_centroid[2 * k], tt.tri_centroid[2 * k + 1]);
+}
+
 // The circumcircle and centroid of triangles begin + 1 .. end (1-based).
-PartFailure compute_triangle_range(RunState& state, std::size_t begin, std::size_t end) {
+// With `external` given, each triangle is also marked external as
+// mark_external marks it (see there), from the centroid just worked out,
+// and counted there.
+PartFailure compute_triangle_range(RunState& state, std::size_t begin, std::size_t end,
+                                   std::int32_t* external = nullptr) {
   TriangleTable& tt = state.triangles;
   const std::vector<double>& p = state.mesh.mesh_points;
   const std::vector<std::int32_t>& label = state.mesh.mesh_point_label;
@@ -80,6 +96,7 @@ PartFailure compute_triangle_range(RunState& state, std::size_t begin, std::size
         return PartFailure{k, collapse_message(state, t, c1, c2, c3)};
       }
       tt.itstat[k] = -1;
+      if (external != nullptr) *external += 1;
       continue;
     }
     tt.tri_circumcentre[2 * k] = circle.centre_x;
@@ -93,6 +110,10 @@ PartFailure compute_triangle_range(RunState& state, std::size_t begin, std::size
     tt.tri_centre_inside[k] = outside ? 0 : -1;
     tt.tri_centroid[2 * k] = (c2[0] + c1[0] + c3[0]) * 0.3333333333333333;
     tt.tri_centroid[2 * k + 1] = (c2[1] + c1[1] + c3[1]) * 0.3333333333333333;
+    if (external != nullptr && outside_domain(state, k)) {
+      tt.itstat[k] = -1;
+      *external += 1;
+    }
   }
   return PartFailure{};
 }
@@ -110,7 +131,6 @@ void compute_triangles(RunState& state) {
 // marked side by side and their counts added.
 std::int32_t mark_external(RunState& state) {
   TriangleTable& tt = state.triangles;
-  const std::vector<std::int32_t>& label = state.mesh.mesh_point_label;
   std::int32_t external[2] = {0, 0};
   const std::size_t triangles = static_cast<std::size_t>(std::max(tt.triangle_count, 0));
   run_in_parts(triangles, [&](std::size_t begin, std::size_t end, int part) {
@@ -120,10 +140,7 @@ std::int32_t mark_external(RunState& state) {
         ++count;
         continue;
       }
-      if (on_ring(label[static_cast<std::size_t>(tt.tri_vertex[3 * k] - 1)]) &&
-          on_ring(label[static_cast<std::size_t>(tt.tri_vertex[3 * k + 1] - 1)]) &&
-          on_ring(label[static_cast<std::size_t>(tt.tri_vertex[3 * k + 2] - 1)]) &&
-          !point_in_domain(state, tt.tri_centroid[2 * k], tt.tri_centroid[2 * k + 1])) {
+      if (outside_domain(state, k)) {
         tt.itstat[k] = -1;
         ++count;
       }
@@ -131,6 +148,21 @@ std::int32_t mark_external(RunState& state) {
     external[part] = count;
     return PartFailure{};
   });
+  return external[0] + external[1];
+}
+
+// Circumcircles, centroids and external marks in one sweep.  A triangle's
+// mark reads only its own corners and centroid, and its centroid is worked
+// out just before, so the marks and their count are mark_external's; a
+// collapse that ends the run ends it with compute_triangles' message, the
+// count then no longer mattering.
+std::int32_t compute_and_mark_triangles(RunState& state) {
+  std::int32_t external[2] = {0, 0};
+  const PartFailure failure = run_in_parts(
+      static_cast<std::size_t>(state.triangles.triangle_count), [&](std::size_t begin, std::size_t end, int part) {
+        return compute_triangle_range(state, begin, end, &external[part]);
+      });
+  if (failure.failed()) fail(state, failure.message);
   return external[0] + external[1];
 }
 
@@ -162,6 +194,16 @@ void sweep_corners_in_halves(const TriangleTable& tt, std::int32_t n, Visit visi
   });
 }
 
+// The largest and smallest count of internal triangles at a point.
+void note_extreme_counts(TriangleTable& tt, std::int32_t n) {
+  tt.largest_tri_count = 0;
+  tt.smallest_tri_count = 2147483647;
+  for (std::int32_t p = 0; p < n; ++p) {
+    tt.largest_tri_count = std::max(tt.largest_tri_count, tt.point_tri_count[static_cast<std::size_t>(p)]);
+    tt.smallest_tri_count = std::min(tt.smallest_tri_count, tt.point_tri_count[static_cast<std::size_t>(p)]);
+  }
+}
+
 // A sweep over the internal triangles counts them at each corner.
 void count_point_triangles(RunState& state) {
   TriangleTable& tt = state.triangles;
@@ -170,12 +212,33 @@ void count_point_triangles(RunState& state) {
   sweep_corners_in_halves(
       tt, n, [&](std::size_t p, std::int32_t) { tt.point_tri_count[p] += 1; },
       [](std::size_t) {});
-  tt.largest_tri_count = 0;
-  tt.smallest_tri_count = 2147483647;
-  for (std::int32_t p = 0; p < n; ++p) {
-    tt.largest_tri_count = std::max(tt.largest_tri_count, tt.point_tri_count[static_cast<std::size_t>(p)]);
-    tt.smallest_tri_count = std::min(tt.smallest_tri_count, tt.point_tri_count[static_cast<std::size_t>(p)]);
-  }
+  note_extreme_counts(tt, n);
+}
+
+// One sweep that counts the internal triangles at each corner and lists
+// them in its column as far as the rows hold them; true when every list
+// fits.  The counts are those of count_point_triangles, as both count the
+// same visits; and where every count fits the rows, each column holds what
+// build_connected_triangles' own sweep writes there (the first count
+// entries, in ascending triangle order), the entries below left as they
+// were, as that sweep leaves them.
+bool count_and_list_triangles(RunState& state) {
+  TriangleTable& tt = state.triangles;
+  const std::int32_t n = state.mesh.mesh_point_count;
+  std::fill(tt.point_tri_count.begin(), tt.point_tri_count.begin() + n, 0);
+  const std::size_t rows = static_cast<std::size_t>(tt.row_capacity);
+  sweep_corners_in_halves(
+      tt, n,
+      [&](std::size_t p, std::int32_t t) {
+        const std::size_t place = static_cast<std::size_t>(tt.point_tri_count[p]++);
+        if (place < rows) tt.connected_triangles[p * rows + place] = t;
+      },
+      [&](std::size_t p) {
+        prefetch(&tt.point_tri_count[p]);
+        prefetch(&tt.connected_triangles[p * rows]);
+      });
+  note_extreme_counts(tt, n);
+  return tt.largest_tri_count <= tt.row_capacity;
 }
 
 }  // namespace
@@ -233,10 +296,18 @@ void triangulate_points(RunState& state) {
     tt.first_triangle_count = tt.triangle_count;
   }
   std::fill(tt.itstat.begin(), tt.itstat.end(), 0);
-  compute_triangles(state);
-  const std::int32_t external = mark_external(state);
+  std::int32_t external = 0;
+  if (state.reference_paths) {
+    compute_triangles(state);
+    external = mark_external(state);
+  } else {
+    external = compute_and_mark_triangles(state);
+  }
   if (first_pass) screen << " - " << external << " of these are external to domain\n";
-  count_point_triangles(state);
+  // In later passes the fast path counts each point's triangles as it lists
+  // them (build_connected_triangles): one sweep over the triangles instead
+  // of two.  Nothing reads the counts before then.
+  if (first_pass || state.reference_paths) count_point_triangles(state);
   if (first_pass) {
     screen << " - maximum number of internal triangles associated with any point = "
            << tt.largest_tri_count << "\n"
@@ -249,12 +320,16 @@ void build_connected_triangles(RunState& state) {
   TriangleTable& tt = state.triangles;
   const std::int32_t n = state.mesh.mesh_point_count;
   const bool first_pass = state.lloyd_iteration == 0;
+  // In later passes the fast path lists the columns as it counts; where the
+  // rows prove too few, they are made anew below and the columns listed
+  // again, as when the counts came first.
+  const bool listed = !first_pass && !state.reference_paths && count_and_list_triangles(state);
   // The fast path clears the table only when it is made: a later pass
   // overwrites the first point_tri_count(p) entries of each column below,
   // and no step reads further down a column, so clearing it again (some
   // 50 MB a pass at a million cells) would change no result.  The
   // reference path clears it in every pass.
-  if (first_pass || tt.largest_tri_count > tt.row_capacity) {
+  if (!listed && (first_pass || tt.largest_tri_count > tt.row_capacity)) {
     tt.row_capacity = tt.largest_tri_count + 2;
     try {
       tt.connected_triangles.assign(static_cast<std::size_t>(tt.row_capacity) * static_cast<std::size_t>(n), 0);
@@ -269,6 +344,7 @@ void build_connected_triangles(RunState& state) {
   if (static_cast<std::int32_t>(work.size()) < tt.largest_tri_count) {
     work.resize(static_cast<std::size_t>(tt.largest_tri_count));
   }
+  if (listed) return;
   // A sweep over the triangles appends each to its corners' columns, in
   // ascending triangle order.
   std::vector<std::int32_t>& fill = tt.column_fill;

@@ -130,14 +130,20 @@ TEST(TriangulatePoints, TableOfTrianglesPerPointThatCannotGrowInALaterPass) {
   tesseramill::build_connected_triangles(state);
   state.lloyd_iteration = 1;
   tesseramill::triangulate_points(state);
-  // As though the busiest point now had one triangle more than the rows hold.
-  state.triangles.largest_tri_count = state.triangles.row_capacity + 1;
-  const std::size_t table_bytes = static_cast<std::size_t>(state.triangles.largest_tri_count + 2) *
-                                  static_cast<std::size_t>(state.mesh.mesh_point_count) * sizeof(std::int32_t);
+  // As though the rows had been made for two triangles, fewer than the
+  // busiest point has (at least three): they must be made anew, for at least
+  // five.
+  state.triangles.row_capacity = 2;
+  std::vector<std::int32_t>(2 * static_cast<std::size_t>(state.mesh.mesh_point_count))
+      .swap(state.triangles.connected_triangles);
+  const std::size_t table_bytes =
+      5 * static_cast<std::size_t>(state.mesh.mesh_point_count) * sizeof(std::int32_t);
+  const std::size_t refused_before = LargeAllocationsFail::refused();
   {
     LargeAllocationsFail full(table_bytes);
     EXPECT_THROW(tesseramill::build_connected_triangles(state), tesseramill::RunFailure);
   }
+  EXPECT_EQ(LargeAllocationsFail::refused() - refused_before, 1u);
   EXPECT_EQ(tesseramill::trimmed(state.message_buffer), "Error reallocating MAXCONTRI array.");
 }
 

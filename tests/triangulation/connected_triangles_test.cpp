@@ -1,0 +1,98 @@
+// Each point's list of internal triangles, on the fast path (counted and
+// listed in one sweep in later passes) and on the reference path (counted,
+// then listed), for the model with every kind of input and the model with
+// two holes: the same counts, the same extremes and the same columns,
+// whether the rows hold every list or must be made anew.
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "run/program.h"
+#include "support/model_state.h"
+#include "support/scratch.h"
+#include "triangulation/triangulate_points.h"
+
+namespace tesseramill_test {
+namespace {
+
+using tesseramill::Phase;
+using tesseramill::RunState;
+
+struct Model {
+  std::string folder;
+  std::string control;
+};
+
+// The first pass's triangles and lists, then the second pass's
+// triangulation, on the reference paths or not.
+void through_second_triangulation(RunState& state, std::ostringstream& screen, const ScratchDir& dir,
+                                  const Model& model, bool reference) {
+  // The points are placed on the fast path either way (they are the same);
+  // the triangles are counted and listed on the path asked for.
+  ASSERT_TRUE(run_phases_until(state, dir.path(), model.control, Phase::kPopulateInterior, screen));
+  state.reference_paths = reference;
+  tesseramill::triangulate_points(state);
+  tesseramill::build_connected_triangles(state);
+  state.lloyd_iteration = 1;
+  tesseramill::triangulate_points(state);
+}
+
+// The first `count` entries of point p's column.
+std::vector<std::int32_t> column_of(const RunState& state, std::int32_t p) {
+  const tesseramill::TriangleTable& tt = state.triangles;
+  const std::size_t start = static_cast<std::size_t>(p) * static_cast<std::size_t>(tt.row_capacity);
+  const std::int32_t count = tt.point_tri_count[static_cast<std::size_t>(p)];
+  return {tt.connected_triangles.begin() + static_cast<std::ptrdiff_t>(start),
+          tt.connected_triangles.begin() + static_cast<std::ptrdiff_t>(start) + count};
+}
+
+void expect_same_lists(const Model& model, bool rows_too_few) {
+  ScratchDir fast_dir;
+  ScratchDir reference_dir;
+  copy_folder(source_path(model.folder), fast_dir.path());
+  copy_folder(source_path(model.folder), reference_dir.path());
+  RunState fast;
+  RunState reference;
+  std::ostringstream fast_screen;
+  std::ostringstream reference_screen;
+  through_second_triangulation(fast, fast_screen, fast_dir, model, false);
+  through_second_triangulation(reference, reference_screen, reference_dir, model, true);
+  if (rows_too_few) {
+    // As though the rows had been made for two triangles.
+    fast.triangles.row_capacity = 2;
+    std::vector<std::int32_t>(2 * static_cast<std::size_t>(fast.mesh.mesh_point_count))
+        .swap(fast.triangles.connected_triangles);
+  }
+  tesseramill::build_connected_triangles(fast);
+  tesseramill::build_connected_triangles(reference);
+  const std::string what = model.folder + (rows_too_few ? ", rows too few" : ", rows enough");
+  ASSERT_EQ(fast.mesh.mesh_point_count, reference.mesh.mesh_point_count) << what;
+  EXPECT_EQ(fast.triangles.largest_tri_count, reference.triangles.largest_tri_count) << what;
+  EXPECT_EQ(fast.triangles.smallest_tri_count, reference.triangles.smallest_tri_count) << what;
+  // Rows made anew fit the busiest point and two more.
+  if (rows_too_few) {
+    EXPECT_EQ(fast.triangles.row_capacity, fast.triangles.largest_tri_count + 2) << what;
+  }
+  EXPECT_GE(fast.triangles.largest_tri_count, 3) << what;
+  for (std::int32_t p = 0; p < fast.mesh.mesh_point_count; ++p) {
+    ASSERT_EQ(fast.triangles.point_tri_count[static_cast<std::size_t>(p)],
+              reference.triangles.point_tri_count[static_cast<std::size_t>(p)])
+        << what << " point " << p + 1;
+    ASSERT_EQ(column_of(fast, p), column_of(reference, p)) << what << " point " << p + 1;
+  }
+}
+
+const Model kModels[] = {{"examples/full", "model.in"}, {"tests/models/two_holes", "m.in"}};
+
+TEST(ConnectedTriangles, ListedWhileCountedAsWhenCountedFirst) {
+  for (const Model& model : kModels) expect_same_lists(model, false);
+}
+
+TEST(ConnectedTriangles, RowsMadeAnewWhenTooFewForTheCounts) {
+  for (const Model& model : kModels) expect_same_lists(model, true);
+}
+
+}  // namespace
+}  // namespace tesseramill_test
