@@ -2,9 +2,11 @@
 // listed in one sweep in later passes) and on the reference path (counted,
 // then listed), for the model with every kind of input and the model with
 // two holes: the same counts, the same extremes and the same columns,
-// whether the rows hold every list or must be made anew.
+// whether the rows hold every list or must be made anew; and the same
+// external marks, made with the centroids or by a sweep of their own.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -88,6 +90,39 @@ const Model kModels[] = {{"examples/full", "model.in"}, {"tests/models/two_holes
 
 TEST(ConnectedTriangles, ListedWhileCountedAsWhenCountedFirst) {
   for (const Model& model : kModels) expect_same_lists(model, false);
+}
+
+// The external marks made as the centroids are worked out (the fast path)
+// against those of the sweep after them (the reference path), and the
+// count the first pass prints: the same marks, some triangles of each model
+// external, and the same line.
+TEST(ConnectedTriangles, ExternalMarksMadeWithTheCentroidsAsByTheirOwnSweep) {
+  for (const Model& model : kModels) {
+    ScratchDir fast_dir;
+    ScratchDir reference_dir;
+    copy_folder(source_path(model.folder), fast_dir.path());
+    copy_folder(source_path(model.folder), reference_dir.path());
+    RunState fast;
+    RunState reference;
+    std::ostringstream fast_screen;
+    std::ostringstream reference_screen;
+    through_second_triangulation(fast, fast_screen, fast_dir, model, false);
+    through_second_triangulation(reference, reference_screen, reference_dir, model, true);
+    const tesseramill::TriangleTable& f = fast.triangles;
+    const tesseramill::TriangleTable& r = reference.triangles;
+    ASSERT_EQ(f.triangle_count, r.triangle_count) << model.folder;
+    const auto marks_end = static_cast<std::ptrdiff_t>(f.triangle_count);
+    EXPECT_TRUE(std::equal(f.itstat.begin(), f.itstat.begin() + marks_end, r.itstat.begin())) << model.folder;
+    EXPECT_GT(std::count(f.itstat.begin(), f.itstat.begin() + marks_end, -1), 0) << model.folder;
+    EXPECT_TRUE(std::equal(f.tri_centroid.begin(), f.tri_centroid.begin() + 2 * marks_end, r.tri_centroid.begin()))
+        << model.folder;
+    const std::string external = " of these are external to domain\n";
+    const std::size_t at = fast_screen.str().find(external);
+    ASSERT_NE(at, std::string::npos) << model.folder;
+    const std::size_t line = fast_screen.str().rfind(" - ", at);
+    EXPECT_EQ(fast_screen.str().substr(line, at - line), reference_screen.str().substr(line, at - line))
+        << model.folder;
+  }
 }
 
 TEST(ConnectedTriangles, RowsMadeAnewWhenTooFewForTheCounts) {
