@@ -50,17 +50,30 @@ std::vector<std::int32_t> column_of(const RunState& state, std::int32_t p) {
           tt.connected_triangles.begin() + static_cast<std::ptrdiff_t>(start) + count};
 }
 
-void expect_same_lists(const Model& model, bool rows_too_few) {
+// One model on the fast path and on the reference path, each in a scratch
+// folder of its own.
+struct BothPaths {
   ScratchDir fast_dir;
   ScratchDir reference_dir;
-  copy_folder(source_path(model.folder), fast_dir.path());
-  copy_folder(source_path(model.folder), reference_dir.path());
   RunState fast;
   RunState reference;
   std::ostringstream fast_screen;
   std::ostringstream reference_screen;
-  through_second_triangulation(fast, fast_screen, fast_dir, model, false);
-  through_second_triangulation(reference, reference_screen, reference_dir, model, true);
+};
+
+// Runs both paths of `model` through the second pass's triangulation.
+void through_second_triangulation(BothPaths& both, const Model& model) {
+  copy_folder(source_path(model.folder), both.fast_dir.path());
+  copy_folder(source_path(model.folder), both.reference_dir.path());
+  through_second_triangulation(both.fast, both.fast_screen, both.fast_dir, model, false);
+  through_second_triangulation(both.reference, both.reference_screen, both.reference_dir, model, true);
+}
+
+void expect_same_lists(const Model& model, bool rows_too_few) {
+  BothPaths both;
+  through_second_triangulation(both, model);
+  RunState& fast = both.fast;
+  RunState& reference = both.reference;
   if (rows_too_few) {
     // As though the rows had been made for two triangles.
     fast.triangles.row_capacity = 2;
@@ -98,18 +111,12 @@ TEST(ConnectedTriangles, ListedWhileCountedAsWhenCountedFirst) {
 // external, and the same line.
 TEST(ConnectedTriangles, ExternalMarksMadeWithTheCentroidsAsByTheirOwnSweep) {
   for (const Model& model : kModels) {
-    ScratchDir fast_dir;
-    ScratchDir reference_dir;
-    copy_folder(source_path(model.folder), fast_dir.path());
-    copy_folder(source_path(model.folder), reference_dir.path());
-    RunState fast;
-    RunState reference;
-    std::ostringstream fast_screen;
-    std::ostringstream reference_screen;
-    through_second_triangulation(fast, fast_screen, fast_dir, model, false);
-    through_second_triangulation(reference, reference_screen, reference_dir, model, true);
-    const tesseramill::TriangleTable& f = fast.triangles;
-    const tesseramill::TriangleTable& r = reference.triangles;
+    BothPaths both;
+    through_second_triangulation(both, model);
+    const tesseramill::TriangleTable& f = both.fast.triangles;
+    const tesseramill::TriangleTable& r = both.reference.triangles;
+    const std::ostringstream& fast_screen = both.fast_screen;
+    const std::ostringstream& reference_screen = both.reference_screen;
     ASSERT_EQ(f.triangle_count, r.triangle_count) << model.folder;
     const auto marks_end = static_cast<std::ptrdiff_t>(f.triangle_count);
     EXPECT_TRUE(std::equal(f.itstat.begin(), f.itstat.begin() + marks_end, r.itstat.begin())) << model.folder;
