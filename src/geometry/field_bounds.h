@@ -80,7 +80,8 @@ struct TileSources {
   // Each kept source's lower bound over the whole tile.
   std::vector<double> lowers;
   // Every kept source's upper_size passes its tests of range at every
-  // point of the tile, so that bound_tile_at may skip them.
+  // point of the tile, so that bound_tile_at may widen the smallest
+  // algebraic size once each way.
   bool in_range = false;
 };
 

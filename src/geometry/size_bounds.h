@@ -40,15 +40,13 @@ inline double algebraic_size(const Growth& g, double d, double s) {
   return std::max(s, (s + d * g.less_one) * g.inverse_rise);
 }
 
-inline double lower_size(const Growth& g, double d, double s) {
-  return std::max(0.0, algebraic_size(g, d, s) * (1.0 - kRelative) - kAbsolute);
-}
+// An algebraic size widened downwards by the margins of the bounds.
+inline double lower_of_size(double size) { return std::max(0.0, size * (1.0 - kRelative) - kAbsolute); }
+
+inline double lower_size(const Growth& g, double d, double s) { return lower_of_size(algebraic_size(g, d, s)); }
 
 // An algebraic size widened upwards by the margins of the bounds.
 inline double widened_up(double size) { return size * (1.0 + kRelative) + kAbsolute; }
-
-// upper_size where both of its tests of range are known to pass.
-inline double upper_size_in_range(const Growth& g, double d, double s) { return widened_up(algebraic_size(g, d, s)); }
 
 inline double upper_size(const Growth& g, double d, double s) {
   if (!(d * g.less_one / s <= kLargestSafeA)) return INFINITY;
