@@ -289,7 +289,7 @@ void keep_tile_sources(const RunState& state, const FieldBounds& b, double xlo, 
 // smallest widened size, bit for bit, for lo and hi alike; the sizes are
 // numbers (the sources' separations are above zero and the distances
 // finite), so min() picks the same value in any order.  On the GIS-like
-// divide of 8,000 vertices this is asked 5.3 million times, of about ten
+// divide of 8,000 vertices this is asked 5.7 million times, of about ten
 // sources each; whole runs there take 0.99 of the CPU they took with the
 // sources widened one at a time, as bound_field_at still does.
 void bound_tile_at(const RunState& state, const FieldBounds& b, const TileSources& tile, double x, double y,

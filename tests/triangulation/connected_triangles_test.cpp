@@ -127,6 +127,7 @@ TEST(ConnectedTriangles, ExternalMarksMadeWithTheCentroidsAsByTheirOwnSweep) {
     const std::size_t at = fast_screen.str().find(external);
     ASSERT_NE(at, std::string::npos) << model.folder;
     const std::size_t line = fast_screen.str().rfind(" - ", at);
+    ASSERT_NE(line, std::string::npos) << model.folder;
     EXPECT_EQ(fast_screen.str().substr(line, at - line), reference_screen.str().substr(line, at - line))
         << model.folder;
   }
