@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace tesseramill {
 
@@ -12,35 +13,52 @@ constexpr std::int32_t kDeepest = kMeshIndexDeepest;
 
 // Which child of `cell` holds (x, y): bit 0 east, bit 1 north.
 std::int32_t quadrant(const MeshPointIndex::Cell& cell, double x, double y) {
-  const double half = cell.size * 0.5;
-  return (x >= cell.x0 + half ? 1 : 0) + (y >= cell.y0 + half ? 2 : 0);
+  return (x >= cell.mid_x ? 1 : 0) + (y >= cell.mid_y ? 2 : 0);
 }
 
 bool in_region(const MeshPointIndex& index, double x, double y) {
-  const MeshPointIndex::Cell& root = index.cells[0];
+  const MeshPointIndex::Extent& root = index.extents[0];
   return x >= root.x0 && x <= root.x0 + root.size && y >= root.y0 && y <= root.y0 + root.size;
+}
+
+// Appends a leaf cell with the given corner, side and depth, whose points
+// are the leaf `leaf`.
+void add_cell(MeshPointIndex& index, double x0, double y0, double size, std::int32_t depth, std::int32_t leaf) {
+  const double half = size * 0.5;
+  MeshPointIndex::Cell cell;
+  cell.mid_x = x0 + half;
+  cell.mid_y = y0 + half;
+  cell.leaf = leaf;
+  index.cells.push_back(cell);
+  index.extents.push_back(MeshPointIndex::Extent{x0, y0, size, depth});
 }
 
 void split(MeshPointIndex& index, std::int32_t c) {
   const std::int32_t first = static_cast<std::int32_t>(index.cells.size());
-  const double x0 = index.cells[static_cast<std::size_t>(c)].x0;
-  const double y0 = index.cells[static_cast<std::size_t>(c)].y0;
-  const double half = index.cells[static_cast<std::size_t>(c)].size * 0.5;
-  const std::int32_t depth = index.cells[static_cast<std::size_t>(c)].depth;
+  const MeshPointIndex::Extent extent = index.extents[static_cast<std::size_t>(c)];
+  const MeshPointIndex::Cell parent = index.cells[static_cast<std::size_t>(c)];
+  const double half = extent.size * 0.5;
+  // The first child takes over the parent's leaf; the other three get new
+  // ones.
+  std::vector<MeshPointIndex::Entry> points = std::move(index.leaves[static_cast<std::size_t>(parent.leaf)]);
+  index.leaves[static_cast<std::size_t>(parent.leaf)] = {};
   for (std::int32_t q = 0; q < 4; ++q) {
-    MeshPointIndex::Cell child;
-    child.x0 = x0 + (q & 1 ? half : 0.0);
-    child.y0 = y0 + (q & 2 ? half : 0.0);
-    child.size = half;
-    child.depth = depth + 1;
-    index.cells.push_back(std::move(child));
+    std::int32_t leaf = parent.leaf;
+    if (q > 0) {
+      leaf = static_cast<std::int32_t>(index.leaves.size());
+      index.leaves.emplace_back();
+    }
+    // The corners of the east and north children are the parent's mid
+    // lines, worked out the same way.
+    add_cell(index, q & 1 ? parent.mid_x : extent.x0, q & 2 ? parent.mid_y : extent.y0, half, extent.depth + 1,
+             leaf);
   }
-  std::vector<MeshPointIndex::Entry> points = std::move(index.cells[static_cast<std::size_t>(c)].points);
-  index.cells[static_cast<std::size_t>(c)].points = {};
-  index.cells[static_cast<std::size_t>(c)].first_child = first;
+  MeshPointIndex::Cell& cell = index.cells[static_cast<std::size_t>(c)];
+  cell.first_child = first;
+  cell.leaf = -1;
   for (const MeshPointIndex::Entry& e : points) {
-    const std::int32_t q = quadrant(index.cells[static_cast<std::size_t>(c)], e.x, e.y);
-    index.cells[static_cast<std::size_t>(first + q)].points.push_back(e);
+    const std::int32_t q = quadrant(cell, e.x, e.y);
+    index.leaves[static_cast<std::size_t>(index.cells[static_cast<std::size_t>(first + q)].leaf)].push_back(e);
   }
 }
 
@@ -51,14 +69,13 @@ void start_mesh_point_index(MeshPointIndex& index, const std::vector<double>* co
   index.coordinates = coordinates;
   index.strikes = nullptr;
   index.cells.clear();
+  index.extents.clear();
+  index.leaves.clear();
   index.elsewhere.clear();
-  MeshPointIndex::Cell root;
   double size = std::max(xhi - xlo, yhi - ylo);
   if (!(size > 0.0) || !std::isfinite(size)) size = 1.0;
-  root.x0 = std::isfinite(xlo) ? xlo : 0.0;
-  root.y0 = std::isfinite(ylo) ? ylo : 0.0;
-  root.size = size;
-  index.cells.push_back(std::move(root));
+  index.leaves.emplace_back();
+  add_cell(index, std::isfinite(xlo) ? xlo : 0.0, std::isfinite(ylo) ? ylo : 0.0, size, 0, 0);
 }
 
 void insert_mesh_point(MeshPointIndex& index, std::int32_t number) {
@@ -80,8 +97,9 @@ void insert_mesh_point(MeshPointIndex& index, std::int32_t number) {
       c = cell.first_child + quadrant(cell, x, y);
       continue;
     }
-    if (cell.points.size() < kLeafPoints || cell.depth >= kDeepest) {
-      cell.points.push_back(entry);
+    std::vector<MeshPointIndex::Entry>& points = index.leaves[static_cast<std::size_t>(cell.leaf)];
+    if (points.size() < kLeafPoints || index.extents[static_cast<std::size_t>(c)].depth >= kDeepest) {
+      points.push_back(entry);
       return;
     }
     split(index, c);

@@ -30,19 +30,30 @@ struct MeshPointIndex {
     double strike = 0.0;
     std::int32_t number = 0;  // 1-based
   };
+  // What a query reads of a cell, kept apart from the rest so that the
+  // four children of a cell lie on 96 bytes.
   struct Cell {
-    double x0 = 0.0;       // lower left corner
-    double y0 = 0.0;
-    double size = 0.0;     // side
+    // The lines that part the children: a point with x >= mid_x lies in an
+    // east child, one with y >= mid_y in a north child.
+    double mid_x = 0.0;
+    double mid_y = 0.0;
     std::int32_t first_child = -1;  // the four children follow one another
+    std::int32_t leaf = -1;         // the leaf's points, in `leaves`
+  };
+  // What only the splitting of a cell reads.
+  struct Extent {
+    double x0 = 0.0;  // lower left corner
+    double y0 = 0.0;
+    double size = 0.0;  // side
     std::int32_t depth = 0;
-    std::vector<Entry> points;  // the points of a leaf
   };
   const std::vector<double>* coordinates = nullptr;  // x,y pairs of the mesh points
   // The strike limits of the mesh points, where kept; a point past its end
   // has none.
   const std::vector<double>* strikes = nullptr;
   std::vector<Cell> cells;
+  std::vector<Extent> extents;  // one for each cell
+  std::vector<std::vector<Entry>> leaves;
   std::vector<Entry> elsewhere;
 };
 
@@ -83,20 +94,28 @@ bool visit_entries_in_box(const MeshPointIndex& index, double xlo, double xhi, d
   stack[top++] = 0;
   while (top > 0) {
     const MeshPointIndex::Cell& cell = index.cells[static_cast<std::size_t>(stack[--top])];
-    // A cell the box cannot reach holds no point the box holds: its points
-    // lie within [x0, x0 + size] x [y0, y0 + size], up to the rounding of
-    // the halvings that made the cell, which the slack covers.
-    const double slack = 1e-12 * (std::fabs(cell.x0) + std::fabs(cell.y0) + cell.size);
-    if (cell.x0 - slack > xhi || cell.x0 + cell.size + slack < xlo || cell.y0 - slack > yhi ||
-        cell.y0 + cell.size + slack < ylo) {
-      continue;
-    }
     if (cell.first_child < 0) {
-      for (const MeshPointIndex::Entry& e : cell.points) {
+      for (const MeshPointIndex::Entry& e : index.leaves[static_cast<std::size_t>(cell.leaf)]) {
         if (stops(e)) return true;
       }
-    } else {
-      for (std::int32_t q = 0; q < 4; ++q) stack[top++] = cell.first_child + q;
+      continue;
+    }
+    // A child is passed over only when none of its points can pass the
+    // box's tests: the west children hold the points with x < mid_x, by
+    // the very comparison that placed them, so with xlo >= mid_x every one
+    // fails x >= xlo; likewise the east ones with xhi < mid_x, and the
+    // south and north ones.  The children's own corners are never read.
+    // A box with no number for a side passes over the children that side
+    // decides, whose points would all fail its tests.
+    const bool west = xlo < cell.mid_x;
+    const bool east = xhi >= cell.mid_x;
+    if (yhi >= cell.mid_y) {
+      if (east) stack[top++] = cell.first_child + 3;
+      if (west) stack[top++] = cell.first_child + 2;
+    }
+    if (ylo < cell.mid_y) {
+      if (east) stack[top++] = cell.first_child + 1;
+      if (west) stack[top++] = cell.first_child;
     }
   }
   return false;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 #include "emplacement/mesh_point_index.h"
@@ -30,9 +31,19 @@ std::vector<std::int32_t> scan(const std::vector<double>& points, double xlo, do
   return out;
 }
 
+// A place on the lines that part the index's cells: the region's side
+// from `lo` halved `halvings` times, `k` of those steps along.
+double on_parting_line(Random& random, double lo, double side) {
+  const int halvings = static_cast<int>(random.uniform(1, 12));
+  const double step = std::ldexp(side, -halvings);
+  return lo + step * std::floor(random.uniform(0, std::ldexp(1.0, halvings)));
+}
+
 // Points clustered at many densities, with duplicates, points exactly on
-// the region's rim and some outside it; boxes of every size, many with
-// edges exactly on points.
+// the region's rim, on the lines that part its cells or an ulp short of
+// them and outside it;
+// boxes of every size, many with edges exactly on points or on those
+// lines, some with a side that is no number or no end.
 TEST(MeshPointIndex, ListsWhatAScanLists) {
   Random random(31);
   for (double offset : {0.0, 1e6, 7e6}) {
@@ -55,6 +66,13 @@ TEST(MeshPointIndex, ListsWhatAScanLists) {
       } else if (kind == 2) {  // the rim and beyond
         x = offset + (n % 16 == 2 ? 1000 : 5000 + random.uniform(-1, 1));
         y = offset + random.uniform(900, 3100);
+      } else if (kind == 3) {  // on the lines that part the cells
+        x = n % 3 == 0 ? offset + random.uniform(1000, 5000) : on_parting_line(random, offset + 1000, 4000);
+        y = n % 3 == 1 ? offset + random.uniform(1000, 3000) : on_parting_line(random, offset + 1000, 4000);
+        if (n % 16 == 3) {  // just short of them
+          x = std::nextafter(x, -INFINITY);
+          y = std::nextafter(y, -INFINITY);
+        }
       } else {
         x = offset + random.uniform(1000, 5000);
         y = offset + random.uniform(1000, 3000);
@@ -72,12 +90,26 @@ TEST(MeshPointIndex, ListsWhatAScanLists) {
             ylo = points[2 * k + 1];
           }
           const double size = q % 4 == 0 ? 1e-3 : random.uniform(0, 1500);
-          points_in_box(index, xlo, xlo + size, ylo, ylo + size, listed);
-          ASSERT_EQ(listed, scan(points, xlo, xlo + size, ylo, ylo + size));
+          double xhi = xlo + size;
+          double yhi = ylo + size;
+          if (q % 5 == 1) {  // box edges exactly on the lines that part the cells
+            xlo = on_parting_line(random, offset + 1000, 4000);
+            xhi = q % 10 == 1 ? xlo : on_parting_line(random, offset + 1000, 4000);
+            if (xhi < xlo) std::swap(xlo, xhi);
+          }
+          if (q % 7 == 2) {
+            yhi = on_parting_line(random, offset + 1000, 4000);
+            ylo = q % 14 == 2 ? yhi : std::min(ylo, yhi);
+          }
+          if (q == 19) {  // a side that is no number, or has no end
+            (n % 80 == 0 ? xlo : yhi) = n % 120 == 0 ? INFINITY : NAN;
+          }
+          points_in_box(index, xlo, xhi, ylo, yhi, listed);
+          ASSERT_EQ(listed, scan(points, xlo, xhi, ylo, yhi));
           // The same points with their coordinates, appended after what
           // the list already holds.
           entries.assign(1, MeshPointIndex::Entry{-1.0, -1.0, -1.0, -1});
-          entries_in_box(index, xlo, xlo + size, ylo, ylo + size, entries);
+          entries_in_box(index, xlo, xhi, ylo, yhi, entries);
           ASSERT_EQ(entries[0].number, -1);
           std::sort(entries.begin() + 1, entries.end(),
                     [](const MeshPointIndex::Entry& a, const MeshPointIndex::Entry& b) { return a.number < b.number; });
