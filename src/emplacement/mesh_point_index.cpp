@@ -2,13 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 namespace tesseramill {
 
 namespace {
 
-constexpr std::size_t kLeafPoints = 16;
+constexpr std::int32_t kLeafPoints = kMeshIndexLeafPoints;
 constexpr std::int32_t kDeepest = kMeshIndexDeepest;
 
 // Which child of `cell` holds (x, y): bit 0 east, bit 1 north.
@@ -21,44 +20,65 @@ bool in_region(const MeshPointIndex& index, double x, double y) {
   return x >= root.x0 && x <= root.x0 + root.size && y >= root.y0 && y <= root.y0 + root.size;
 }
 
-// Appends a leaf cell with the given corner, side and depth, whose points
-// are the leaf `leaf`.
-void add_cell(MeshPointIndex& index, double x0, double y0, double size, std::int32_t depth, std::int32_t leaf) {
+std::size_t block_of(const MeshPointIndex::Cell& leaf) { return static_cast<std::size_t>(-1 - leaf.first_child); }
+
+// Appends an empty leaf with the given corner, side and depth, whose points
+// go in `block`.
+void add_leaf(MeshPointIndex& index, double x0, double y0, double size, std::int32_t depth, std::size_t block) {
   const double half = size * 0.5;
   MeshPointIndex::Cell cell;
   cell.mid_x = x0 + half;
   cell.mid_y = y0 + half;
-  cell.leaf = leaf;
+  cell.first_child = -1 - static_cast<std::int32_t>(block);
   index.cells.push_back(cell);
   index.extents.push_back(MeshPointIndex::Extent{x0, y0, size, depth});
 }
 
+// A new block of points, not yet holding any.
+std::size_t new_block(MeshPointIndex& index) {
+  const std::size_t block = index.overflow_of.size();
+  index.blocks.resize(index.blocks.size() + kLeafPoints);
+  index.overflow_of.push_back(-1);
+  return block;
+}
+
+void append_to_leaf(MeshPointIndex& index, MeshPointIndex::Cell& leaf, const MeshPointIndex::Entry& entry) {
+  const std::size_t block = block_of(leaf);
+  if (leaf.count < kLeafPoints) {
+    index.blocks[block * kLeafPoints + static_cast<std::size_t>(leaf.count)] = entry;
+  } else {
+    if (index.overflow_of[block] < 0) {
+      index.overflow_of[block] = static_cast<std::int32_t>(index.overflow.size());
+      index.overflow.emplace_back();
+    }
+    index.overflow[static_cast<std::size_t>(index.overflow_of[block])].push_back(entry);
+  }
+  ++leaf.count;
+}
+
+// Splits a full leaf above the deepest level, which holds kLeafPoints
+// points in its block and none in overflow.
 void split(MeshPointIndex& index, std::int32_t c) {
   const std::int32_t first = static_cast<std::int32_t>(index.cells.size());
   const MeshPointIndex::Extent extent = index.extents[static_cast<std::size_t>(c)];
   const MeshPointIndex::Cell parent = index.cells[static_cast<std::size_t>(c)];
   const double half = extent.size * 0.5;
-  // The first child takes over the parent's leaf; the other three get new
-  // ones.
-  std::vector<MeshPointIndex::Entry> points = std::move(index.leaves[static_cast<std::size_t>(parent.leaf)]);
-  index.leaves[static_cast<std::size_t>(parent.leaf)] = {};
+  const std::size_t parent_block = block_of(parent);
+  MeshPointIndex::Entry points[kLeafPoints];
+  std::copy_n(index.blocks.begin() + static_cast<std::ptrdiff_t>(parent_block * kLeafPoints), kLeafPoints, points);
   for (std::int32_t q = 0; q < 4; ++q) {
-    std::int32_t leaf = parent.leaf;
-    if (q > 0) {
-      leaf = static_cast<std::int32_t>(index.leaves.size());
-      index.leaves.emplace_back();
-    }
-    // The corners of the east and north children are the parent's mid
-    // lines, worked out the same way.
-    add_cell(index, q & 1 ? parent.mid_x : extent.x0, q & 2 ? parent.mid_y : extent.y0, half, extent.depth + 1,
-             leaf);
+    // The first child takes over the parent's block; the other three get
+    // new ones.  The corners of the east and north children are the
+    // parent's mid lines, worked out the same way.
+    const std::size_t block = q == 0 ? parent_block : new_block(index);
+    add_leaf(index, q & 1 ? parent.mid_x : extent.x0, q & 2 ? parent.mid_y : extent.y0, half, extent.depth + 1,
+             block);
   }
   MeshPointIndex::Cell& cell = index.cells[static_cast<std::size_t>(c)];
   cell.first_child = first;
-  cell.leaf = -1;
+  cell.count = 0;
   for (const MeshPointIndex::Entry& e : points) {
-    const std::int32_t q = quadrant(cell, e.x, e.y);
-    index.leaves[static_cast<std::size_t>(index.cells[static_cast<std::size_t>(first + q)].leaf)].push_back(e);
+    append_to_leaf(index, index.cells[static_cast<std::size_t>(first + quadrant(cell, e.x, e.y))], e);
   }
 }
 
@@ -70,12 +90,13 @@ void start_mesh_point_index(MeshPointIndex& index, const std::vector<double>* co
   index.strikes = nullptr;
   index.cells.clear();
   index.extents.clear();
-  index.leaves.clear();
+  index.blocks.clear();
+  index.overflow_of.clear();
+  index.overflow.clear();
   index.elsewhere.clear();
   double size = std::max(xhi - xlo, yhi - ylo);
   if (!(size > 0.0) || !std::isfinite(size)) size = 1.0;
-  index.leaves.emplace_back();
-  add_cell(index, std::isfinite(xlo) ? xlo : 0.0, std::isfinite(ylo) ? ylo : 0.0, size, 0, 0);
+  add_leaf(index, std::isfinite(xlo) ? xlo : 0.0, std::isfinite(ylo) ? ylo : 0.0, size, 0, new_block(index));
 }
 
 void insert_mesh_point(MeshPointIndex& index, std::int32_t number) {
@@ -97,9 +118,8 @@ void insert_mesh_point(MeshPointIndex& index, std::int32_t number) {
       c = cell.first_child + quadrant(cell, x, y);
       continue;
     }
-    std::vector<MeshPointIndex::Entry>& points = index.leaves[static_cast<std::size_t>(cell.leaf)];
-    if (points.size() < kLeafPoints || index.extents[static_cast<std::size_t>(c)].depth >= kDeepest) {
-      points.push_back(entry);
+    if (cell.count < kLeafPoints || index.extents[static_cast<std::size_t>(c)].depth >= kDeepest) {
+      append_to_leaf(index, cell, entry);
       return;
     }
     split(index, c);

@@ -2,6 +2,7 @@
 // a seed's near list is found without a scan over every mesh point.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <vector>
@@ -12,14 +13,17 @@ namespace tesseramill {
 // 2^-40 of the region, as duplicate points do.
 inline constexpr std::int32_t kMeshIndexDeepest = 40;
 
+// The points a cell holds before it is split in four.
+inline constexpr std::int32_t kMeshIndexLeafPoints = 16;
+
 // A quadtree of square cells over a fixed region.  A cell holds up to
-// kLeafPoints points before it is split in four; points outside the
-// region, or no number at all, are kept in a list of their own that every
-// query looks at.  Each point is kept with a copy of its coordinates, so
-// that a query reads a leaf's points where they lie together instead of
-// one by one across the whole table of mesh points: the copies are the
-// table's values, as a point's coordinates never change once it is
-// inserted.
+// kMeshIndexLeafPoints points before it is split in four; points outside
+// the region, or no number at all, are kept in a list of their own that
+// every query looks at.  Each point is kept with a copy of its
+// coordinates, so that a query reads a leaf's points where they lie
+// together instead of one by one across the whole table of mesh points:
+// the copies are the table's values, as a point's coordinates never change
+// once it is inserted.
 struct MeshPointIndex {
   struct Entry {
     double x = 0.0;
@@ -37,8 +41,10 @@ struct MeshPointIndex {
     // east child, one with y >= mid_y in a north child.
     double mid_x = 0.0;
     double mid_y = 0.0;
-    std::int32_t first_child = -1;  // the four children follow one another
-    std::int32_t leaf = -1;         // the leaf's points, in `leaves`
+    // An inner cell's four children follow one another from first_child;
+    // a leaf has first_child < 0 and its points in block -1 - first_child.
+    std::int32_t first_child = -1;
+    std::int32_t count = 0;  // the points of a leaf
   };
   // What only the splitting of a cell reads.
   struct Extent {
@@ -53,7 +59,12 @@ struct MeshPointIndex {
   const std::vector<double>* strikes = nullptr;
   std::vector<Cell> cells;
   std::vector<Extent> extents;  // one for each cell
-  std::vector<std::vector<Entry>> leaves;
+  // The leaves' points, kMeshIndexLeafPoints places to a block, one block
+  // to a leaf; a leaf at the deepest level that holds more keeps the rest
+  // in `overflow`, at the place `overflow_of` gives for its block.
+  std::vector<Entry> blocks;
+  std::vector<std::int32_t> overflow_of;
+  std::vector<std::vector<Entry>> overflow;
   std::vector<Entry> elsewhere;
 };
 
@@ -95,8 +106,16 @@ bool visit_entries_in_box(const MeshPointIndex& index, double xlo, double xhi, d
   while (top > 0) {
     const MeshPointIndex::Cell& cell = index.cells[static_cast<std::size_t>(stack[--top])];
     if (cell.first_child < 0) {
-      for (const MeshPointIndex::Entry& e : index.leaves[static_cast<std::size_t>(cell.leaf)]) {
-        if (stops(e)) return true;
+      const std::size_t block = static_cast<std::size_t>(-1 - cell.first_child);
+      const std::int32_t held = std::min(cell.count, kMeshIndexLeafPoints);
+      const MeshPointIndex::Entry* points = index.blocks.data() + block * kMeshIndexLeafPoints;
+      for (std::int32_t i = 0; i < held; ++i) {
+        if (stops(points[i])) return true;
+      }
+      if (cell.count > kMeshIndexLeafPoints) {
+        for (const MeshPointIndex::Entry& e : index.overflow[static_cast<std::size_t>(index.overflow_of[block])]) {
+          if (stops(e)) return true;
+        }
       }
       continue;
     }

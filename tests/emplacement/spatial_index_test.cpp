@@ -39,7 +39,8 @@ double on_parting_line(Random& random, double lo, double side) {
   return lo + step * std::floor(random.uniform(0, std::ldexp(1.0, halvings)));
 }
 
-// Points clustered at many densities, with duplicates, points exactly on
+// Points clustered at many densities, with duplicates (once more of one
+// point than a cell holds), points exactly on
 // the region's rim, on the lines that part its cells or an ulp short of
 // them and outside it;
 // boxes of every size, many with edges exactly on points or on those
@@ -56,7 +57,10 @@ TEST(MeshPointIndex, ListsWhatAScanLists) {
       double x;
       double y;
       const int kind = n % 8;
-      if (kind == 0 && n > 0) {  // a duplicate of an earlier point
+      if (n >= 2000 && n < 2040) {  // more duplicates than a cell holds, to the deepest level
+        x = offset + 1234.5;
+        y = offset + 2345.25;
+      } else if (kind == 0 && n > 0) {  // a duplicate of an earlier point
         const std::size_t k = static_cast<std::size_t>(random.uniform(0, n - 1));
         x = points[2 * k];
         y = points[2 * k + 1];
