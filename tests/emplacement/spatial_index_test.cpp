@@ -31,8 +31,8 @@ std::vector<std::int32_t> scan(const std::vector<double>& points, double xlo, do
   return out;
 }
 
-// A place on the lines that part the index's cells: the region's side
-// from `lo` halved `halvings` times, `k` of those steps along.
+// A place on the lines that part the index's cells: `lo` and a whole
+// number of steps of the region's side halved one to eleven times.
 double on_parting_line(Random& random, double lo, double side) {
   const int halvings = static_cast<int>(random.uniform(1, 12));
   const double step = std::ldexp(side, -halvings);
@@ -40,11 +40,10 @@ double on_parting_line(Random& random, double lo, double side) {
 }
 
 // Points clustered at many densities, with duplicates (once more of one
-// point than a cell holds), points exactly on
-// the region's rim, on the lines that part its cells or an ulp short of
-// them and outside it;
-// boxes of every size, many with edges exactly on points or on those
-// lines, some with a side that is no number or no end.
+// point than a cell holds), points exactly on the region's rim, on the
+// lines that part its cells or an ulp short of them, and outside it; boxes
+// of every size, many with edges exactly on points or on those lines, some
+// with a side that is no number or has no end.
 TEST(MeshPointIndex, ListsWhatAScanLists) {
   Random random(31);
   for (double offset : {0.0, 1e6, 7e6}) {
