@@ -20,8 +20,6 @@ bool in_region(const MeshPointIndex& index, double x, double y) {
   return x >= root.x0 && x <= root.x0 + root.size && y >= root.y0 && y <= root.y0 + root.size;
 }
 
-std::size_t block_of(const MeshPointIndex::Cell& leaf) { return static_cast<std::size_t>(-1 - leaf.first_child); }
-
 // Appends an empty leaf with the given corner, side and depth, whose points
 // go in `block`.
 void add_leaf(MeshPointIndex& index, double x0, double y0, double size, std::int32_t depth, std::size_t block) {
@@ -43,7 +41,7 @@ std::size_t new_block(MeshPointIndex& index) {
 }
 
 void append_to_leaf(MeshPointIndex& index, MeshPointIndex::Cell& leaf, const MeshPointIndex::Entry& entry) {
-  const std::size_t block = block_of(leaf);
+  const std::size_t block = leaf_block(leaf);
   if (leaf.count < kLeafPoints) {
     index.blocks[block * kLeafPoints + static_cast<std::size_t>(leaf.count)] = entry;
   } else {
@@ -63,7 +61,7 @@ void split(MeshPointIndex& index, std::int32_t c) {
   const MeshPointIndex::Extent extent = index.extents[static_cast<std::size_t>(c)];
   const MeshPointIndex::Cell parent = index.cells[static_cast<std::size_t>(c)];
   const double half = extent.size * 0.5;
-  const std::size_t parent_block = block_of(parent);
+  const std::size_t parent_block = leaf_block(parent);
   MeshPointIndex::Entry points[kLeafPoints];
   std::copy_n(index.blocks.begin() + static_cast<std::ptrdiff_t>(parent_block * kLeafPoints), kLeafPoints, points);
   for (std::int32_t q = 0; q < 4; ++q) {

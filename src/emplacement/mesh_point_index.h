@@ -3,7 +3,7 @@
 #pragma once
 
 #include <algorithm>
-#include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -68,6 +68,11 @@ struct MeshPointIndex {
   std::vector<Entry> elsewhere;
 };
 
+// The block of a leaf's points in `blocks`.
+inline std::size_t leaf_block(const MeshPointIndex::Cell& leaf) {
+  return static_cast<std::size_t>(-1 - leaf.first_child);
+}
+
 // Starts an index over the square region that holds the rectangle
 // [xlo, xhi] x [ylo, yhi]; `coordinates` are the mesh points' x,y pairs.
 void start_mesh_point_index(MeshPointIndex& index, const std::vector<double>* coordinates, double xlo, double xhi,
@@ -106,7 +111,7 @@ bool visit_entries_in_box(const MeshPointIndex& index, double xlo, double xhi, d
   while (top > 0) {
     const MeshPointIndex::Cell& cell = index.cells[static_cast<std::size_t>(stack[--top])];
     if (cell.first_child < 0) {
-      const std::size_t block = static_cast<std::size_t>(-1 - cell.first_child);
+      const std::size_t block = leaf_block(cell);
       const std::int32_t held = std::min(cell.count, kMeshIndexLeafPoints);
       const MeshPointIndex::Entry* points = index.blocks.data() + block * kMeshIndexLeafPoints;
       for (std::int32_t i = 0; i < held; ++i) {
