@@ -6,6 +6,7 @@
 #include "common/run_state.h"
 #include "geometry/planar_tools.h"
 #include "geometry/size_bounds.h"
+#include "geometry/sources_in_lanes.h"
 
 namespace tesseramill {
 
@@ -97,6 +98,8 @@ void bound_field(const RunState& state, double xlo, double xhi, double ylo, doub
   // at, on the family's 311,225 cells 5 of 14.
   const bool summarised = index.summaries.size() == index.xs.size() && std::isfinite(xlo) &&
                           std::isfinite(xhi) && std::isfinite(ylo) && std::isfinite(yhi);
+  double lower_of[kSourcesInLanes];
+  double upper_of[kSourcesInLanes];
   auto visit_cell = [&](std::int64_t i, std::int64_t j) {
     if (i < 0 || i >= grid.nx || j < 0 || j >= grid.ny) return;
     const std::size_t c = grid.cell(static_cast<std::int32_t>(i), static_cast<std::int32_t>(j));
@@ -105,22 +108,25 @@ void bound_field(const RunState& state, double xlo, double xhi, double ylo, doub
       const SourceCellSummary& cell = index.summaries[static_cast<std::size_t>(index.cell_start[c])];
       if (lower_size(g, std::sqrt(squared_gap_to_cell(cell, xlo, xhi, ylo, yhi)), cell.least) >= upper) return;
     }
-    for (std::int32_t m = index.cell_start[c]; m < index.cell_start[c + 1]; ++m) {
-      const std::size_t at = static_cast<std::size_t>(m);
-      const double sx = index.xs[at];
-      const double sy = index.ys[at];
-      const double s = index.separations[at];
-      const double ex = std::max({xlo - sx, 0.0, sx - xhi});
-      const double ey = std::max({ylo - sy, 0.0, sy - yhi});
-      const double fx = std::max(std::fabs(sx - xlo), std::fabs(sx - xhi));
-      const double fy = std::max(std::fabs(sy - ylo), std::fabs(sy - yhi));
-      const double lower = lower_size(g, std::sqrt(ex * ex + ey * ey), s);
-      if (lower >= upper) continue;
-      upper = std::min(upper, upper_size(g, std::sqrt(fx * fx + fy * fy), s));
-      b.xs.push_back(sx);
-      b.ys.push_back(sy);
-      b.separations.push_back(s);
-      lowers.push_back(lower);
+    // Each source's bounds are worked out in lanes (sources_in_lanes.h),
+    // a few sources at a time, and then taken in their order; a source's
+    // upper bound is read only when it is kept, as before.
+    for (std::int32_t from = index.cell_start[c]; from < index.cell_start[c + 1];
+         from += static_cast<std::int32_t>(kSourcesInLanes)) {
+      const std::size_t at = static_cast<std::size_t>(from);
+      const std::size_t m =
+          std::min(kSourcesInLanes, static_cast<std::size_t>(index.cell_start[c + 1] - from));
+      bound_sources_over(g, m, index.xs.data() + at, index.ys.data() + at, index.separations.data() + at, xlo, xhi,
+                         ylo, yhi, lower_of, upper_of);
+      for (std::size_t k = 0; k < m; ++k) {
+        const double lower = lower_of[k];
+        if (lower >= upper) continue;
+        upper = std::min(upper, upper_of[k]);
+        b.xs.push_back(index.xs[at + k]);
+        b.ys.push_back(index.ys[at + k]);
+        b.separations.push_back(index.separations[at + k]);
+        lowers.push_back(lower);
+      }
     }
   };
   const std::int64_t last_ring = std::max({i1 - 0, grid.nx - 1 - i0, j1 - 0, grid.ny - 1 - j0}) + 1;
@@ -245,29 +251,33 @@ void keep_tile_sources(const RunState& state, const FieldBounds& b, double xlo, 
   // from P is at most that from the farthest corner (as above), and both d
   // (growth - 1) / s and the algebraic size never fall as d rises.
   bool in_range = true;
-  for (std::size_t k = 0; k < b.xs.size(); ++k) {
-    // The tile lies in the rectangle, so a source's lower bound over the
-    // tile is at least its lower bound over the rectangle (the rounded
-    // distance to the tile's nearest point is no shorter, as above): a
-    // source whose bound over the rectangle already reaches U would be left
-    // out below, and is passed over without its distance.
-    if (b.lowers[k] >= upper) continue;
-    const double sx = b.xs[k];
-    const double sy = b.ys[k];
-    const double s = b.separations[k];
-    const double ex = std::max({xlo - sx, 0.0, sx - xhi});
-    const double ey = std::max({ylo - sy, 0.0, sy - yhi});
-    const double lower = lower_size(g, std::sqrt(ex * ex + ey * ey), s);
-    if (lower >= upper) continue;
-    const double fx = std::max(std::fabs(sx - xlo), std::fabs(sx - xhi));
-    const double fy = std::max(std::fabs(sy - ylo), std::fabs(sy - yhi));
-    const double far_upper = upper_size(g, std::sqrt(fx * fx + fy * fy), s);
-    in_range = in_range && s > 0.0 && far_upper != INFINITY;
-    upper = std::min(upper, far_upper);
-    tile.xs.push_back(sx);
-    tile.ys.push_back(sy);
-    tile.separations.push_back(s);
-    lowers.push_back(lower);
+  double lower_of[kSourcesInLanes];
+  double upper_of[kSourcesInLanes];
+  for (std::size_t from = 0; from < b.xs.size(); from += kSourcesInLanes) {
+    // Each source's bounds over the tile, worked out in lanes a few sources
+    // at a time (sources_in_lanes.h), then taken in their order.
+    const std::size_t m = std::min(kSourcesInLanes, b.xs.size() - from);
+    bound_sources_over(g, m, b.xs.data() + from, b.ys.data() + from, b.separations.data() + from, xlo, xhi, ylo,
+                       yhi, lower_of, upper_of);
+    for (std::size_t i = 0; i < m; ++i) {
+      const std::size_t k = from + i;
+      // The tile lies in the rectangle, so a source's lower bound over the
+      // tile is at least its lower bound over the rectangle (the rounded
+      // distance to the tile's nearest point is no shorter, as above): a
+      // source whose bound over the rectangle already reaches U would be
+      // left out below.
+      if (b.lowers[k] >= upper) continue;
+      const double lower = lower_of[i];
+      if (lower >= upper) continue;
+      const double s = b.separations[k];
+      const double far_upper = upper_of[i];
+      in_range = in_range && s > 0.0 && far_upper != INFINITY;
+      upper = std::min(upper, far_upper);
+      tile.xs.push_back(b.xs[k]);
+      tile.ys.push_back(b.ys[k]);
+      tile.separations.push_back(s);
+      lowers.push_back(lower);
+    }
   }
   // The field over the tile: at most U, as above; at least the smallest of
   // the caps and of the lowers of the sources kept, since those left out
