@@ -264,8 +264,8 @@ void keep_tile_sources(const RunState& state, const FieldBounds& b, double xlo, 
       // The tile lies in the rectangle, so a source's lower bound over the
       // tile is at least its lower bound over the rectangle (the rounded
       // distance to the tile's nearest point is no shorter, as above): a
-      // source whose bound over the rectangle already reaches U would be
-      // left out below.
+      // source whose bound over the rectangle already reaches U is left
+      // out here, as its bound over the tile would leave it out below.
       if (b.lowers[k] >= upper) continue;
       const double lower = lower_of[i];
       if (lower >= upper) continue;

@@ -8,8 +8,9 @@ namespace tesseramill {
 
 // Every branch of the steps is written as a choice of values, which the
 // compiler turns into masks across the lanes.  This file is built without
-// errno for the square root (CMakeLists.txt): a negative operand would
-// then set no errno, and nothing here has one, nor reads errno.
+// errno for the square root (CMakeLists.txt): the root of a negative
+// operand then leaves errno as it was, and the program reads errno only
+// straight after the calls that set it.
 
 void bound_sources_over(const Growth& g, std::size_t n, const double* __restrict xs, const double* __restrict ys,
                         const double* __restrict separations, double xlo, double xhi, double ylo, double yhi,
