@@ -20,6 +20,9 @@ struct TriangleTable {
 
   std::vector<std::int32_t> itstat;          // 0 internal, -1 external
   std::vector<double> tri_centroid;          // x,y pairs
+  // The circles and whether each centre lies inside its triangle: worked
+  // out and kept by the reference path alone, as nothing reads them (the
+  // cells' corners are the centroids); the fast path leaves them empty.
   std::vector<double> tri_circumcentre;      // x,y pairs
   std::vector<double> tri_circumradius;
   std::vector<std::int32_t> tri_centre_inside;

@@ -36,9 +36,11 @@ void create_tables(RunState& state, std::int32_t n) {
   tt.stack.assign(static_cast<std::size_t>(n), 0);
   tt.itstat.assign(triangles, 0);
   tt.tri_centroid.assign(2 * triangles, 0.0);
-  tt.tri_circumcentre.assign(2 * triangles, 0.0);
-  tt.tri_circumradius.assign(triangles, 0.0);
-  tt.tri_centre_inside.assign(triangles, 0);
+  if (state.reference_paths) {
+    tt.tri_circumcentre.assign(2 * triangles, 0.0);
+    tt.tri_circumradius.assign(triangles, 0.0);
+    tt.tri_centre_inside.assign(triangles, 0);
+  }
   tt.point_tri_count.assign(static_cast<std::size_t>(n), 0);
 }
 
@@ -70,9 +72,12 @@ bool outside_domain(const RunState& state, std::size_t k) {
 // The circumcircle and centroid of triangles begin + 1 .. end (1-based).
 // With `external` given, each triangle is also marked external as
 // mark_external marks it (see there), from the centroid just worked out,
-// and counted there.
+// and counted there.  With `keep_circles` false the circles and the marks
+// of centres inside are not worked out: only whether each triangle has
+// collapsed (triangle_collapsed), which is all of the circle that anything
+// after reads.
 PartFailure compute_triangle_range(RunState& state, std::size_t begin, std::size_t end,
-                                   std::int32_t* external = nullptr) {
+                                   std::int32_t* external = nullptr, bool keep_circles = true) {
   TriangleTable& tt = state.triangles;
   const std::vector<double>& p = state.mesh.mesh_points;
   const std::vector<std::int32_t>& label = state.mesh.mesh_point_label;
@@ -89,8 +94,10 @@ PartFailure compute_triangle_range(RunState& state, std::size_t begin, std::size
     const double* c1 = &p[2 * static_cast<std::size_t>(tt.tri_vertex[base] - 1)];
     const double* c2 = &p[2 * static_cast<std::size_t>(tt.tri_vertex[base + 1] - 1)];
     const double* c3 = &p[2 * static_cast<std::size_t>(tt.tri_vertex[base + 2] - 1)];
-    const Circumcircle circle = triangle_circumcentre(c1[0], c1[1], c2[0], c2[1], c3[0], c3[1]);
-    if (circle.status != 0) {
+    const bool collapsed = keep_circles ? false : triangle_collapsed(c1[0], c1[1], c2[0], c2[1], c3[0], c3[1]);
+    const Circumcircle circle =
+        keep_circles ? triangle_circumcentre(c1[0], c1[1], c2[0], c2[1], c3[0], c3[1]) : Circumcircle{};
+    if (collapsed || circle.status != 0) {
       // Only the first corner decides whether a collapse is fatal.
       if (!on_ring(label[static_cast<std::size_t>(tt.tri_vertex[base] - 1)])) {
         return PartFailure{k, collapse_message(state, t, c1, c2, c3)};
@@ -99,15 +106,17 @@ PartFailure compute_triangle_range(RunState& state, std::size_t begin, std::size
       if (external != nullptr) *external += 1;
       continue;
     }
-    tt.tri_circumcentre[2 * k] = circle.centre_x;
-    tt.tri_circumcentre[2 * k + 1] = circle.centre_y;
-    tt.tri_circumradius[k] = circle.radius;
-    const double cx = circle.centre_x;
-    const double cy = circle.centre_y;
-    const bool outside = (c2[1] - c1[1]) * (cx - c1[0]) > (c2[0] - c1[0]) * (cy - c1[1]) ||
-                         (c3[1] - c2[1]) * (cx - c2[0]) > (c3[0] - c2[0]) * (cy - c2[1]) ||
-                         (c1[1] - c3[1]) * (cx - c3[0]) > (c1[0] - c3[0]) * (cy - c3[1]);
-    tt.tri_centre_inside[k] = outside ? 0 : -1;
+    if (keep_circles) {
+      tt.tri_circumcentre[2 * k] = circle.centre_x;
+      tt.tri_circumcentre[2 * k + 1] = circle.centre_y;
+      tt.tri_circumradius[k] = circle.radius;
+      const double cx = circle.centre_x;
+      const double cy = circle.centre_y;
+      const bool outside = (c2[1] - c1[1]) * (cx - c1[0]) > (c2[0] - c1[0]) * (cy - c1[1]) ||
+                           (c3[1] - c2[1]) * (cx - c2[0]) > (c3[0] - c2[0]) * (cy - c2[1]) ||
+                           (c1[1] - c3[1]) * (cx - c3[0]) > (c1[0] - c3[0]) * (cy - c3[1]);
+      tt.tri_centre_inside[k] = outside ? 0 : -1;
+    }
     tt.tri_centroid[2 * k] = (c2[0] + c1[0] + c3[0]) * 0.3333333333333333;
     tt.tri_centroid[2 * k + 1] = (c2[1] + c1[1] + c3[1]) * 0.3333333333333333;
     if (external != nullptr && outside_domain(state, k)) {
@@ -151,16 +160,19 @@ std::int32_t mark_external(RunState& state) {
   return external[0] + external[1];
 }
 
-// Circumcircles, centroids and external marks in one sweep.  A triangle's
+// Centroids, collapses and external marks in one sweep.  A triangle's
 // mark reads only its own corners and centroid, and its centroid is worked
 // out just before, so the marks and their count are mark_external's; a
 // collapse that ends the run ends it with compute_triangles' message, the
-// count then no longer mattering.
+// count then no longer mattering.  The circles are left out: nothing reads
+// them, and a collapse is found without them (triangle_collapsed), so the
+// sweep skips four square roots and a division a triangle and the writing
+// of some 60 MB a pass at a million cells.
 std::int32_t compute_and_mark_triangles(RunState& state) {
   std::int32_t external[2] = {0, 0};
   const PartFailure failure = run_in_parts(
       static_cast<std::size_t>(state.triangles.triangle_count), [&](std::size_t begin, std::size_t end, int part) {
-        return compute_triangle_range(state, begin, end, &external[part]);
+        return compute_triangle_range(state, begin, end, &external[part], false);
       });
   if (failure.failed()) fail(state, failure.message);
   return external[0] + external[1];
@@ -269,6 +281,21 @@ Circumcircle triangle_circumcentre(double x1, double y1, double x2, double y2, d
   result.centre_x = x1 + q * (dy3 * f2 - f3 * dy2);
   result.centre_y = y1 + q * (f3 * dx2 - dx3 * f2);
   return result;
+}
+
+// triangle_circumcentre gives status 1 only where its determinant is 0
+// and `bot` is above 0; everywhere else status 0.  The determinant is
+// worked out here from the same differences in the same order, so it is 0
+// exactly where there it is 0, and only then is the rest of the circle
+// worked out, by triangle_circumcentre itself, to tell.
+bool triangle_collapsed(double x1, double y1, double x2, double y2, double x3, double y3) {
+  const double dx2 = x2 - x1;
+  const double dy2 = y2 - y1;
+  const double dx3 = x3 - x1;
+  const double dy3 = y3 - y1;
+  const double det = dy3 * dx2 - dx3 * dy2;
+  if (det != 0.0) return false;
+  return triangle_circumcentre(x1, y1, x2, y2, x3, y3).status != 0;
 }
 
 void triangulate_points(RunState& state) {

@@ -17,6 +17,10 @@ struct Circumcircle {
 // triangle, status 1 a collapsed one.
 Circumcircle triangle_circumcentre(double x1, double y1, double x2, double y2, double x3, double y3);
 
+// Whether triangle_circumcentre gives status 1 for these corners, worked
+// out without the circle where it can be: see there.
+bool triangle_collapsed(double x1, double y1, double x2, double y2, double x3, double y3);
+
 // Triangulates the mesh points of the pass, classifies the triangles and
 // counts the internal triangles at each point.
 void triangulate_points(RunState& state);

@@ -7,6 +7,7 @@
 #include <set>
 #include <sstream>
 
+#include "support/flat_triangle.h"
 #include "support/random.h"
 #include "triangulation/dtris2.h"
 #include "triangulation/triangulate_points.h"
@@ -416,6 +417,55 @@ TEST(Dtris2, DuplicatePointStopsBothRoutinesWhateverTheOrder) {
     EXPECT_EQ(tr.ierror, 224);
     EXPECT_EQ(tr.screen, " \nDTRIS2 - Fatal error!\n  Consecutive points are too close.\n");
   }
+}
+
+
+// The collapse test without the circle against the circle's own status, on
+// seeded triangles of every kind the sweep meets: ordinary ones, corners on
+// one line in exact and in rounded arithmetic (where rounding alone decides
+// between a degenerate triangle and a collapsed one), repeated corners and
+// corners that are no numbers or infinite.
+TEST(TriangleCollapsed, IsTheCircleStatusOnEveryKindOfTriangle) {
+  struct Case {
+    double x1, y1, x2, y2, x3, y3;
+  };
+  std::vector<Case> cases = {
+      {0, 0, 4, 0, 0, 3},
+      {0, 0, 1, 0, 2, 0},
+      {tesseramill_test::kFlatCorners[0], tesseramill_test::kFlatCorners[1], tesseramill_test::kFlatCorners[2], tesseramill_test::kFlatCorners[3], tesseramill_test::kFlatCorners[4], tesseramill_test::kFlatCorners[5]},
+      {5, 5, 5, 5, 7, 1},
+      {5, 5, 5, 5, 5, 5},
+      {std::nan(""), 0, 1, 0, 0, 1},
+      {0, 0, HUGE_VAL, 0, 0, 1},
+      {0, 0, 1, -HUGE_VAL, 0, 1},
+  };
+  Random r{2718};
+  for (int k = 0; k < 20000; ++k) {
+    const double x0 = 1000.0 + r.next() * 5000.0;
+    const double y0 = 1000.0 + r.next() * 5000.0;
+    const double dx = r.next() * 40.0 - 20.0;
+    const double dy = r.next() * 40.0 - 20.0;
+    if (k % 2 == 0) {
+      cases.push_back({x0, y0, x0 + dx, y0 + dy, x0 + r.next() * 40.0 - 20.0, y0 + r.next() * 40.0 - 20.0});
+    } else {
+      // A third corner on the line through the first two, rounded.
+      const double s = r.next() * 3.0 - 1.0;
+      cases.push_back({x0, y0, x0 + dx, y0 + dy, x0 + s * dx, y0 + s * dy});
+    }
+  }
+  int collapsed = 0;
+  int degenerate_on_a_line = 0;
+  for (const Case& c : cases) {
+    const Circumcircle circle = triangle_circumcentre(c.x1, c.y1, c.x2, c.y2, c.x3, c.y3);
+    ASSERT_EQ(triangle_collapsed(c.x1, c.y1, c.x2, c.y2, c.x3, c.y3), circle.status != 0)
+        << c.x1 << " " << c.y1 << " " << c.x2 << " " << c.y2 << " " << c.x3 << " " << c.y3;
+    const double det = (c.y3 - c.y1) * (c.x2 - c.x1) - (c.x3 - c.x1) * (c.y2 - c.y1);
+    if (circle.status != 0) ++collapsed;
+    if (det == 0.0 && circle.status == 0) ++degenerate_on_a_line;
+  }
+  // Both outcomes of a zero determinant were met.
+  EXPECT_GT(collapsed, 1);
+  EXPECT_GT(degenerate_on_a_line, 3);
 }
 
 }  // namespace
