@@ -36,11 +36,6 @@ void create_tables(RunState& state, std::int32_t n) {
   tt.stack.assign(static_cast<std::size_t>(n), 0);
   tt.itstat.assign(triangles, 0);
   tt.tri_centroid.assign(2 * triangles, 0.0);
-  if (state.reference_paths) {
-    tt.tri_circumcentre.assign(2 * triangles, 0.0);
-    tt.tri_circumradius.assign(triangles, 0.0);
-    tt.tri_centre_inside.assign(triangles, 0);
-  }
   tt.point_tri_count.assign(static_cast<std::size_t>(n), 0);
 }
 
@@ -128,8 +123,16 @@ PartFailure compute_triangle_range(RunState& state, std::size_t begin, std::size
 }
 
 // Circumcircles and centroids of every triangle; each triangle by itself,
-// so the work is shared between the two cores.
+// so the work is shared between the two cores.  The tables of the circles
+// are made here, at the size of the others, the first time they are
+// needed: only this path keeps circles.
 void compute_triangles(RunState& state) {
+  TriangleTable& tt = state.triangles;
+  if (tt.tri_circumradius.size() != tt.itstat.size()) {
+    tt.tri_circumcentre.assign(2 * tt.itstat.size(), 0.0);
+    tt.tri_circumradius.assign(tt.itstat.size(), 0.0);
+    tt.tri_centre_inside.assign(tt.itstat.size(), 0);
+  }
   const PartFailure failure = run_in_parts(
       static_cast<std::size_t>(state.triangles.triangle_count),
       [&](std::size_t begin, std::size_t end, int) { return compute_triangle_range(state, begin, end); });
