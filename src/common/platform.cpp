@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
+#include <limits>
 #include <string_view>
 
 #ifdef _WIN32
@@ -21,6 +22,9 @@
 #include <thread>
 #else
 #include <fcntl.h>
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 #include <poll.h>
 #include <signal.h>
 #include <sys/resource.h>
@@ -337,6 +341,8 @@ std::int64_t process_id() { return static_cast<std::int64_t>(GetCurrentProcessId
 
 const char* screen_line_end() { return "\r\n"; }
 
+bool keep_freed_memory() { return false; }
+
 #else
 
 std::FILE* open_file(const std::string& name, const char* mode) { return std::fopen(name.c_str(), mode); }
@@ -439,6 +445,18 @@ void clear_environment_variable(const char* name) { ::unsetenv(name); }
 std::int64_t process_id() { return static_cast<std::int64_t>(::getpid()); }
 
 const char* screen_line_end() { return "\n"; }
+
+bool keep_freed_memory() {
+#if defined(__GLIBC__)
+  // mallopt gives 1 where it took the setting.  The heap's top is kept up
+  // to the largest bound the setting holds.
+  const bool no_maps = ::mallopt(M_MMAP_MAX, 0) == 1;
+  const bool no_trim = ::mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max()) == 1;
+  return no_maps && no_trim;
+#else
+  return false;
+#endif
+}
 
 #endif
 

@@ -12,6 +12,9 @@
 #include "model_family.h"
 #include "support/scratch.h"
 
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 #ifdef __linux__
 #include <sys/mman.h>
 #include <unistd.h>
@@ -268,6 +271,21 @@ TEST(Platform, ReleasedPagesLeaveTheCache) {
   EXPECT_GT(cached_pages(name, span.dropped, span.given), static_cast<std::size_t>(kReleaseStep) / page / 2);
 }
 #endif
+
+// With GNU's C library a block of 64 MiB is mapped by itself unless the
+// library was asked to keep freed memory; once asked, it comes from the
+// heap.  Elsewhere the call does nothing and says so.
+TEST(Platform, FreedMemoryIsKeptForReuse) {
+#if defined(__GLIBC__)
+  ASSERT_TRUE(tesseramill::keep_freed_memory());
+  const std::size_t mapped_before = mallinfo2().hblks;
+  std::vector<char> block(std::size_t{64} << 20, 1);
+  EXPECT_EQ(mallinfo2().hblks, mapped_before);
+  EXPECT_EQ(block[12345], 1);
+#else
+  EXPECT_FALSE(tesseramill::keep_freed_memory());
+#endif
+}
 
 }  // namespace
 }  // namespace tesseramill_test
