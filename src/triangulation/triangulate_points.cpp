@@ -89,10 +89,11 @@ PartFailure compute_triangle_range(RunState& state, std::size_t begin, std::size
     const double* c1 = &p[2 * static_cast<std::size_t>(tt.tri_vertex[base] - 1)];
     const double* c2 = &p[2 * static_cast<std::size_t>(tt.tri_vertex[base + 1] - 1)];
     const double* c3 = &p[2 * static_cast<std::size_t>(tt.tri_vertex[base + 2] - 1)];
-    const bool collapsed = keep_circles ? false : triangle_collapsed(c1[0], c1[1], c2[0], c2[1], c3[0], c3[1]);
     const Circumcircle circle =
         keep_circles ? triangle_circumcentre(c1[0], c1[1], c2[0], c2[1], c3[0], c3[1]) : Circumcircle{};
-    if (collapsed || circle.status != 0) {
+    const bool collapsed =
+        keep_circles ? circle.status != 0 : triangle_collapsed(c1[0], c1[1], c2[0], c2[1], c3[0], c3[1]);
+    if (collapsed) {
       // Only the first corner decides whether a collapse is fatal.
       if (!on_ring(label[static_cast<std::size_t>(tt.tri_vertex[base] - 1)])) {
         return PartFailure{k, collapse_message(state, t, c1, c2, c3)};

@@ -419,7 +419,6 @@ TEST(Dtris2, DuplicatePointStopsBothRoutinesWhateverTheOrder) {
   }
 }
 
-
 // The collapse test without the circle against the circle's own status, on
 // seeded triangles of every kind the sweep meets: ordinary ones, corners on
 // one line in exact and in rounded arithmetic (where rounding alone decides
@@ -429,10 +428,11 @@ TEST(TriangleCollapsed, IsTheCircleStatusOnEveryKindOfTriangle) {
   struct Case {
     double x1, y1, x2, y2, x3, y3;
   };
+  const double* flat = tesseramill_test::kFlatCorners;
   std::vector<Case> cases = {
       {0, 0, 4, 0, 0, 3},
       {0, 0, 1, 0, 2, 0},
-      {tesseramill_test::kFlatCorners[0], tesseramill_test::kFlatCorners[1], tesseramill_test::kFlatCorners[2], tesseramill_test::kFlatCorners[3], tesseramill_test::kFlatCorners[4], tesseramill_test::kFlatCorners[5]},
+      {flat[0], flat[1], flat[2], flat[3], flat[4], flat[5]},
       {5, 5, 5, 5, 7, 1},
       {5, 5, 5, 5, 5, 5},
       {std::nan(""), 0, 1, 0, 0, 1},
