@@ -10,10 +10,24 @@ namespace tesseramill {
 
 // Where the fast insertion ended.
 enum class FastInsertion {
-  kDone,          // tables made, or a failure code given (its message printed)
-  kTwoEdgesShared // met two triangles that share two edges: nothing printed,
-                  // the tables are of no use, and the literal steps must run
+  kDone,           // tables made, or a failure code given (its message printed)
+  kTwoEdgesShared, // met two triangles that share two edges: nothing printed,
+                   // the tables are of no use, and the literal steps must run
+  kTooManyPoints   // more points than its codes can number (see
+                   // kMostCodedPoints): nothing done, the literal steps must run
 };
+
+// The most points the fast insertion takes: their at most 2n triangles'
+// codes 4t + e, and the hull links -(4t + e), must fit in 32 bits, so
+// 8n + 2 <= 2^31 - 1.  The literal steps, whose codes are 3t + e, take up
+// to (2^31 - 3) / 6 points; a set between the two is left to them.
+inline constexpr std::int32_t kMostCodedPoints = (2147483647 - 2) / 8;
+
+// For the library's tests alone: when above 0, the most points the fast
+// insertion takes in place of kMostCodedPoints, so that a test can reach
+// the hand-over, which no set that fits in memory here can.  The program
+// never sets it.
+inline std::int32_t most_coded_points_for_tests = 0;
 
 // Entries per triangle in the insertion's table: six in use and two left
 // empty, so that a record of 32 bytes, in a table that starts on a 64-byte
@@ -27,8 +41,8 @@ inline constexpr std::size_t kTriangleRecord = 8;
 // Inserts the n points (x,y pairs, already in sorted order and numbered 1..n
 // in it) as DTRIS2 does.  `triangles` holds kTriangleRecord entries per
 // triangle, room for 2n triangles: the three corners, then per edge what
-// lies across it, coded as 3u + f for edge f (0-based) of triangle u, or the
-// hull link -(3u + f) of the next hull edge, then two unused.  `hull_end`
+// lies across it, coded as 4u + f for edge f (0-based) of triangle u, or the
+// hull link -(4u + f) of the next hull edge, then two unused.  `hull_end`
 // needs n entries, `stack` n.
 // `ierror` receives 0 or the failure code of DTRIS2.
 FastInsertion insert_sorted_points(std::int32_t n, const double* points, std::int32_t* triangles,
@@ -36,16 +50,16 @@ FastInsertion insert_sorted_points(std::int32_t n, const double* points, std::in
                                    int& ierror, std::ostream& screen);
 
 // Whether the entry `code` of such a table names triangle `t` (at least
-// 1): code > 0 and code / 3 == t, that is 3t <= code <= 3t + 2, asked
-// without a division as whether code - 3t, taken modulo 2^32, is below 3.
-// The two agree wherever the codes fit in 32 bits, as the hull links
-// -(3u + f) already need (at most 2n triangles for n up to (2^31 - 3) / 6,
-// so 3t and |code| are at most 2^31 - 6): for code > 0 the difference is
-// code - 3t itself when that is not negative, and at least 2^32 - 2^31
-// otherwise; for code 0 it is 2^32 - 3t; for code < 0 it is
-// 2^32 - |code| - 3t, at least 12.
+// 1): code > 0 and code / 4 == t, that is 4t <= code <= 4t + 2 (no code
+// ends in edge 3), asked without a shift as whether code - 4t, taken
+// modulo 2^32, is below 3.  The two agree wherever 4t and |code| are at
+// most 2^31 - 6, as they are for the at most 2n triangles of n points up
+// to kMostCodedPoints (8n is then at most 2^31 - 8): for code > 0 the
+// difference is code - 4t itself when that is not negative, and above
+// 2^31 otherwise; for code 0 it is 2^32 - 4t; for code < 0 it is
+// 2^32 - |code| - 4t, at least 14.
 inline bool code_names_triangle(std::int32_t code, std::int32_t t) {
-  return static_cast<std::uint32_t>(code) - static_cast<std::uint32_t>(3 * t) < 3u;
+  return static_cast<std::uint32_t>(code) - static_cast<std::uint32_t>(4 * t) < 3u;
 }
 
 }  // namespace tesseramill

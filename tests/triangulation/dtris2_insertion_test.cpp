@@ -3,11 +3,13 @@
 // code, screen, order and tables on seeded sets of every hard kind.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <numeric>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/random.h"
@@ -309,24 +311,63 @@ TEST(Dtris2Insertion, EachSortStartsFromTheLastOrder) {
 }
 
 // An entry names a triangle exactly when it is positive and its quotient
-// by 3 is the triangle: at each edge of a small triangle, of the largest
-// the codes allow (2n for n = (2^31 - 3) / 6) and of seeded ones between,
-// for entries at and around 3t .. 3t + 2, none (0), and hull links from
+// by 4 is the triangle: at each edge of a small triangle, of the largest
+// the codes allow (2n for n = kMostCodedPoints) and of seeded ones between,
+// for entries at and around 4t .. 4t + 2, none (0), and hull links from
 // the smallest to the largest.
 TEST(Dtris2Insertion, AnEntryNamesATriangleWithoutADivision) {
-  constexpr std::int32_t kLargestTriangle = 2 * ((2147483647 - 2) / 6);
-  auto by_division = [](std::int32_t code, std::int32_t t) { return code > 0 && code / 3 == t; };
+  constexpr std::int32_t kLargestTriangle = 2 * kMostCodedPoints;
+  static_assert(4 * kLargestTriangle + 2 <= 2147483647);
+  auto by_division = [](std::int32_t code, std::int32_t t) { return code > 0 && code / 4 == t && code % 4 != 3; };
   std::vector<std::int32_t> triangles = {1, 2, 3, 7, kLargestTriangle - 1, kLargestTriangle};
   tesseramill_test::Random random(23);
   for (int k = 0; k < 200; ++k) triangles.push_back(1 + static_cast<std::int32_t>(random.uniform(0, kLargestTriangle - 1)));
   for (std::int32_t t : triangles) {
-    for (std::int32_t code : {0, 1, 2, 3, -1, -3, -(3 * kLargestTriangle + 2), -(3 * t), -(3 * t + 2),
-                              3 * kLargestTriangle + 2}) {
+    for (std::int32_t code : {0, 1, 2, 3, 4, -1, -4, -(4 * kLargestTriangle + 2), -(4 * t), -(4 * t + 2),
+                              4 * kLargestTriangle + 2}) {
       EXPECT_EQ(code_names_triangle(code, t), by_division(code, t)) << "code " << code << ", triangle " << t;
     }
-    for (std::int32_t d = -4; d <= 5; ++d) {
-      EXPECT_EQ(code_names_triangle(3 * t + d, t), d >= 0 && d <= 2) << "code 3t + " << d << ", triangle " << t;
+    for (std::int32_t d = -5; d <= 6; ++d) {
+      EXPECT_EQ(code_names_triangle(4 * t + d, t), d >= 0 && d <= 2) << "code 4t + " << d << ", triangle " << t;
     }
+  }
+}
+
+// Sets of more points than the fast insertion's codes can number are left
+// to the literal steps, with the same result; the bound is lowered for the
+// test, as a set that reaches kMostCodedPoints fills some 100 GB.
+TEST(Dtris2Insertion, SetsAboveTheCodesBoundGoToTheLiteralSteps) {
+  struct LowerBound {
+    explicit LowerBound(std::int32_t most) { most_coded_points_for_tests = most; }
+    ~LowerBound() { most_coded_points_for_tests = 0; }
+  } lower(40);
+  tesseramill_test::Random random(67);
+  std::vector<double> points;
+  for (int k = 0; k < 60; ++k) {
+    points.push_back(2.5e5 + random.uniform(0, 900));
+    points.push_back(6.2e6 + random.uniform(0, 500));
+  }
+  Dtris2Workspace work;
+  for (std::size_t n : {39, 40, 41, 60}) {
+    const std::vector<double> set(points.begin(), points.begin() + 2 * static_cast<std::ptrdiff_t>(n));
+    EXPECT_EQ(expect_same(set, work, std::to_string(n) + " points"), 0);
+    // The insertion itself takes the set, sorted, only up to the bound.
+    std::vector<std::pair<double, double>> pairs;
+    for (std::size_t k = 0; k < n; ++k) pairs.emplace_back(set[2 * k], set[2 * k + 1]);
+    std::sort(pairs.begin(), pairs.end());
+    std::vector<double> sorted;
+    for (const auto& [x, y] : pairs) {
+      sorted.push_back(x);
+      sorted.push_back(y);
+    }
+    std::vector<std::int32_t> triangles(kTriangleRecord * 2 * n, 0), hull_end(n), stack(n);
+    std::int32_t count = 0;
+    int ierror = -1;
+    std::ostringstream screen;
+    const FastInsertion ended = insert_sorted_points(static_cast<std::int32_t>(n), sorted.data(), triangles.data(),
+                                                     hull_end.data(), stack.data(), count, ierror, screen);
+    EXPECT_EQ(ended, n > 40 ? FastInsertion::kTooManyPoints : FastInsertion::kDone) << n << " points";
+    EXPECT_EQ(screen.str(), "") << n << " points";
   }
 }
 
