@@ -335,7 +335,7 @@ TEST(Dtris2Insertion, AnEntryNamesATriangleWithoutADivision) {
 
 // Sets of more points than the fast insertion's codes can number are left
 // to the literal steps, with the same result; the bound is lowered for the
-// test, as a set that reaches kMostCodedPoints fills some 100 GB.
+// test, as a set that reaches kMostCodedPoints takes some 50 GB of tables.
 TEST(Dtris2Insertion, SetsAboveTheCodesBoundGoToTheLiteralSteps) {
   struct LowerBound {
     explicit LowerBound(std::int32_t most) { most_coded_points_for_tests = most; }
