@@ -483,9 +483,7 @@ int DTRIS2(std::int32_t n, const double* points, std::int32_t* sort_index, std::
     Mesh m{work.sorted_points.data(), work.identity.data(), records, records + 3, stack, screen, kTriangleRecord};
     ierror = triangulate_sorted(m, n, triangle_count);
   }
-  // The fast insertion codes a neighbour as 4u + f, with the edge f of u
-  // that it lies across, and a hull link as -(4u + f), which the literal
-  // tables hold as -(3u + f).
+  // The fast insertion codes its entries with their edges (literal_entry).
   const bool coded = fast == FastInsertion::kDone;
   run_in_parts(static_cast<std::size_t>(std::max(triangle_count, 0)), [&](std::size_t begin, std::size_t end, int) {
     for (std::size_t t = begin; t < end; ++t) {
@@ -493,10 +491,7 @@ int DTRIS2(std::int32_t n, const double* points, std::int32_t* sort_index, std::
       for (std::size_t e = 0; e < 3; ++e) {
         tri_vertex[3 * t + e] = sort_index[from[e] - 1];
         const std::int32_t across = from[3 + e];
-        const std::int32_t link = -across;
-        tri_neighbour[3 * t + e] = !coded       ? across
-                                   : across > 0 ? across >> 2
-                                                : -(3 * (link >> 2) + (link & 3));
+        tri_neighbour[3 * t + e] = coded ? literal_entry(across) : across;
       }
     }
     return PartFailure{};

@@ -49,16 +49,6 @@ struct Tables {
 
 inline std::int32_t next_edge(std::int32_t e) { return e == 2 ? 0 : e + 1; }
 inline std::int32_t previous_edge(std::int32_t e) { return e == 0 ? 2 : e - 1; }
-// A triangle and one of its edges in one entry, 4t + e: t and e are then
-// taken back by a shift and a mask.  With 3t + e, as the literal tables
-// code their hull links, they took a division by 3 (a multiplication and
-// shifts) on the path from one test of SWAPEC to the next.  The insertion
-// of the million cells' 1,076,876 points took 0.692 s with 3t + e and
-// 0.649 s with 4t + e (the medians of nine rounds of 5 to 7 calls, the two
-// builds in turn).  The codes then number fewer points (kMostCodedPoints).
-inline std::int32_t code(std::int32_t t, std::int32_t e) { return 4 * t + e; }
-inline std::int32_t coded_triangle(std::int32_t code) { return code >> 2; }
-inline std::int32_t coded_edge(std::int32_t code) { return code & 3; }
 
 // Whether an entry of triangle t before edge `edge` names triangle `other`
 // too: the literal steps would then take that earlier entry.  Both entries
@@ -90,26 +80,26 @@ void make_first_fan(Tables& m, std::int32_t j, std::int32_t side, std::int32_t& 
       m.vertex(i, 0) = i;
       m.vertex(i, 1) = i + 1;
       m.vertex(i, 2) = j;
-      m.across(i, 0) = i < big_t ? -code(i + 1, 0) : -code(big_t, 1);
-      m.across(i, 1) = i < big_t ? code(i + 1, 2) : -code(1, 2);
-      m.across(i, 2) = i == 1 ? -code(1, 0) : code(i - 1, 1);
-      m.hull_edge_ending_at(i + 1) = code(i, 0);
+      m.across(i, 0) = i < big_t ? -entry_code(i + 1, 0) : -entry_code(big_t, 1);
+      m.across(i, 1) = i < big_t ? entry_code(i + 1, 2) : -entry_code(1, 2);
+      m.across(i, 2) = i == 1 ? -entry_code(1, 0) : entry_code(i - 1, 1);
+      m.hull_edge_ending_at(i + 1) = entry_code(i, 0);
     } else {
       m.vertex(i, 0) = i + 1;
       m.vertex(i, 1) = i;
       m.vertex(i, 2) = j;
-      m.across(i, 0) = i == 1 ? -code(1, 1) : -code(i - 1, 0);
-      m.across(i, 1) = i == 1 ? -code(big_t, 2) : code(i - 1, 2);
-      m.across(i, 2) = i < big_t ? code(i + 1, 1) : -code(big_t, 0);
-      m.hull_edge_ending_at(i) = code(i, 0);
+      m.across(i, 0) = i == 1 ? -entry_code(1, 1) : -entry_code(i - 1, 0);
+      m.across(i, 1) = i == 1 ? -entry_code(big_t, 2) : entry_code(i - 1, 2);
+      m.across(i, 2) = i < big_t ? entry_code(i + 1, 1) : -entry_code(big_t, 0);
+      m.hull_edge_ending_at(i) = entry_code(i, 0);
     }
   }
   if (side == -1) {
-    m.hull_edge_ending_at(j) = code(big_t, 1);
-    m.hull_edge_ending_at(1) = code(1, 2);
+    m.hull_edge_ending_at(j) = entry_code(big_t, 1);
+    m.hull_edge_ending_at(1) = entry_code(1, 2);
   } else {
-    m.hull_edge_ending_at(j) = code(1, 1);
-    m.hull_edge_ending_at(big_t + 1) = code(big_t, 2);
+    m.hull_edge_ending_at(j) = entry_code(1, 1);
+    m.hull_edge_ending_at(big_t + 1) = entry_code(big_t, 2);
   }
   triangle_count = big_t;
   ltri = side == -1 ? big_t : 1;
@@ -180,8 +170,8 @@ bool swap_edges(Tables& m, std::int32_t i, std::int32_t& top, std::int32_t maxst
     m.vertex(u, fp1) = i;
     const std::int32_t r = m.across(t, ep1);
     const std::int32_t s = m.across(u, fp1);
-    m.across(t, ep1) = code(u, fp1);
-    m.across(u, fp1) = code(t, ep1);
+    m.across(t, ep1) = entry_code(u, fp1);
+    m.across(u, fp1) = entry_code(t, ep1);
     m.across(t, e) = s;
     m.across(u, f) = r;
     if (m.across(u, fm1) > 0) {
@@ -192,7 +182,7 @@ bool swap_edges(Tables& m, std::int32_t i, std::int32_t& top, std::int32_t maxst
       const std::int32_t st = coded_triangle(s);
       const std::int32_t sg = coded_edge(s);
       if (named_earlier(m, st, sg, u)) return false;
-      m.across(st, sg) = code(t, e);
+      m.across(st, sg) = entry_code(t, e);
       top += 1;
       if (top > maxst) {
         print_swap_stack_full(screen, maxst, top);
@@ -206,22 +196,22 @@ bool swap_edges(Tables& m, std::int32_t i, std::int32_t& top, std::int32_t maxst
         bedg = e;
       }
       // The hull edge a-c now lies in t; the one before it ends in a.
-      m.hull_edge_ending_at(c) = code(t, e);
-      store_hull_link(m, a, -code(t, e));
+      m.hull_edge_ending_at(c) = entry_code(t, e);
+      store_hull_link(m, a, -entry_code(t, e));
     }
     if (r > 0) {
       const std::int32_t rt = coded_triangle(r);
       const std::int32_t rg = coded_edge(r);
       if (named_earlier(m, rt, rg, t)) return false;
-      m.across(rt, rg) = code(u, f);
+      m.across(rt, rg) = entry_code(u, f);
     } else {
       if (t == btri && ep1 == bedg) {
         btri = u;
         bedg = f;
       }
       // The hull edge b-i now lies in u; the one before it ends in b.
-      m.hull_edge_ending_at(i) = code(u, f);
-      store_hull_link(m, b, -code(u, f));
+      m.hull_edge_ending_at(i) = entry_code(u, f);
+      store_hull_link(m, b, -entry_code(u, f));
     }
   }
   return true;
@@ -278,13 +268,13 @@ FastInsertion insert_sorted_points(std::int32_t n, const double* points, std::in
       m3 = m.vertex(t, next_edge(e));
       triangle_count += 1;
       const std::int32_t k = triangle_count;
-      m.across(t, e) = code(k, 0);
+      m.across(t, e) = entry_code(k, 0);
       m.vertex(k, 0) = m3;
       m.vertex(k, 1) = m2;
       m.vertex(k, 2) = mp;
-      m.across(k, 0) = code(t, e);
-      m.across(k, 1) = code(k - 1, 2);
-      m.across(k, 2) = code(k + 1, 1);
+      m.across(k, 0) = entry_code(t, e);
+      m.across(k, 1) = entry_code(k - 1, 2);
+      m.across(k, 2) = entry_code(k + 1, 1);
       if (top >= maxst) {
         print_fan_stack_full(screen, maxst, top);
         ierror = 8;
@@ -294,11 +284,11 @@ FastInsertion insert_sorted_points(std::int32_t n, const double* points, std::in
       m.stack[top - 1] = k;
       if (t == rtri && e == redg) break;
     }
-    m.across(ltri, ledg) = -code(n1, 1);
-    m.across(n1, 1) = -code(triangle_count, 2);
+    m.across(ltri, ledg) = -entry_code(n1, 1);
+    m.across(n1, 1) = -entry_code(triangle_count, 2);
     m.across(triangle_count, 2) = -l;
-    m.hull_edge_ending_at(mp) = code(n1, 1);
-    m.hull_edge_ending_at(m3) = code(triangle_count, 2);
+    m.hull_edge_ending_at(mp) = entry_code(n1, 1);
+    m.hull_edge_ending_at(m3) = entry_code(triangle_count, 2);
 
     ltri = n1;
     ledg = 1;

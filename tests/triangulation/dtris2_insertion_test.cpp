@@ -333,6 +333,20 @@ TEST(Dtris2Insertion, AnEntryNamesATriangleWithoutADivision) {
   }
 }
 
+// Each entry of the fast table as the literal tables hold it: neighbours
+// 4u + f as u, hull links -(4u + f) as -(3u + f), 0 as 0, up to the
+// largest triangle the codes allow.
+TEST(Dtris2Insertion, EntriesGoBackToTheLiteralCoding) {
+  constexpr std::int32_t kLargestTriangle = 2 * kMostCodedPoints;
+  for (std::int32_t u : {1, 2, 7, 1000, kLargestTriangle}) {
+    for (std::int32_t f = 0; f < 3; ++f) {
+      EXPECT_EQ(literal_entry(4 * u + f), u) << "4u + f, u " << u << ", f " << f;
+      EXPECT_EQ(literal_entry(-(4 * u + f)), -(3 * u + f)) << "-(4u + f), u " << u << ", f " << f;
+    }
+  }
+  EXPECT_EQ(literal_entry(0), 0);
+}
+
 // Sets of more points than the fast insertion's codes can number are left
 // to the literal steps, with the same result; the bound is lowered for the
 // test, as a set that reaches kMostCodedPoints takes some 50 GB of tables.
