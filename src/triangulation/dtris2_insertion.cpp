@@ -140,6 +140,24 @@ void visible_boundary_edges(Tables& m, double x, double y, std::int32_t& ltri, s
 }
 
 // SWAPEC for the new point i; false when two triangles share two edges.
+//
+// After a swap across an inner edge the literal steps push t and pop it at
+// once: the next test is of t again.  That test is made here without the
+// round trip.  i keeps its corner of t (the swap writes only corner ep1),
+// so the edge opposite i is still e, its first corner still a, its second
+// now c, and what lies across it is s, just written there.  Nothing
+// written between the push and the pop touches those entries: the entry of
+// st is another triangle's; an inner r is another triangle's too; a hull
+// edge b-i moved to u changes the hull edge that ends in b, which lies in
+// t only as an edge with a hull link, and t's edge e now has s > 0 across
+// it.  So the test, its corners and every entry it reads are those the
+// literal pop finds.  The push's test of the stack's room is made all the
+// same, with its message; the place the push would fill is filled by the
+// next push before any pop reads it, so it is left as it is.  The insertion of the million
+// cells' 1,076,876 points took 0.654 s against 0.706 s with the round trip
+// (medians of 9 pairs, the two in turn, ratios 0.876 to 0.953): the pop
+// waited on the stores of the swap just made, and on the selection of the
+// edge again.
 bool swap_edges(Tables& m, std::int32_t i, std::int32_t& top, std::int32_t maxst, std::int32_t& btri,
                 std::int32_t& bedg, int& ierror, std::ostream& screen) {
   const double* pi = m.point(i);
@@ -154,64 +172,69 @@ bool swap_edges(Tables& m, std::int32_t i, std::int32_t& top, std::int32_t maxst
     const std::int32_t v1 = m.vertex(t, 1);
     const std::int32_t v2 = m.vertex(t, 2);
     const std::int32_t e = v0 == i ? 1 : v1 == i ? 2 : 0;
-    const std::int32_t b = v0 == i ? v2 : v1 == i ? v0 : v1;
-    const std::int32_t a = m.vertex(t, e);
-    const std::int32_t across_e = m.across(t, e);
-    const std::int32_t u = coded_triangle(across_e);
-    const std::int32_t f = coded_edge(across_e);
-    if (named_earlier(m, u, f, t)) return false;
-    const std::int32_t c = m.vertex(u, previous_edge(f));
-    if (diagonal_choice(pi, m.point(a), m.point(c), m.point(b)) != 1) continue;
-
     const std::int32_t ep1 = next_edge(e);
-    const std::int32_t fm1 = previous_edge(f);
-    const std::int32_t fp1 = next_edge(f);
-    m.vertex(t, ep1) = c;
-    m.vertex(u, fp1) = i;
-    const std::int32_t r = m.across(t, ep1);
-    const std::int32_t s = m.across(u, fp1);
-    m.across(t, ep1) = entry_code(u, fp1);
-    m.across(u, fp1) = entry_code(t, ep1);
-    m.across(t, e) = s;
-    m.across(u, f) = r;
-    if (m.across(u, fm1) > 0) {
-      top += 1;
-      m.stack[top - 1] = u;
-    }
-    if (s > 0) {
-      const std::int32_t st = coded_triangle(s);
-      const std::int32_t sg = coded_edge(s);
-      if (named_earlier(m, st, sg, u)) return false;
-      m.across(st, sg) = entry_code(t, e);
-      top += 1;
-      if (top > maxst) {
-        print_swap_stack_full(screen, maxst, top);
-        ierror = 8;
-        return true;
+    const std::int32_t a = m.vertex(t, e);
+    std::int32_t b = v0 == i ? v2 : v1 == i ? v0 : v1;
+    std::int32_t across_e = m.across(t, e);
+    for (;;) {
+      const std::int32_t u = coded_triangle(across_e);
+      const std::int32_t f = coded_edge(across_e);
+      if (named_earlier(m, u, f, t)) return false;
+      const std::int32_t c = m.vertex(u, previous_edge(f));
+      if (diagonal_choice(pi, m.point(a), m.point(c), m.point(b)) != 1) break;
+
+      const std::int32_t fm1 = previous_edge(f);
+      const std::int32_t fp1 = next_edge(f);
+      m.vertex(t, ep1) = c;
+      m.vertex(u, fp1) = i;
+      const std::int32_t r = m.across(t, ep1);
+      const std::int32_t s = m.across(u, fp1);
+      m.across(t, ep1) = entry_code(u, fp1);
+      m.across(u, fp1) = entry_code(t, ep1);
+      m.across(t, e) = s;
+      m.across(u, f) = r;
+      if (m.across(u, fm1) > 0) {
+        top += 1;
+        m.stack[top - 1] = u;
       }
-      m.stack[top - 1] = t;
-    } else {
-      if (u == btri && fp1 == bedg) {
-        btri = t;
-        bedg = e;
+      const bool test_t_again = s > 0;
+      if (test_t_again) {
+        const std::int32_t st = coded_triangle(s);
+        const std::int32_t sg = coded_edge(s);
+        if (named_earlier(m, st, sg, u)) return false;
+        m.across(st, sg) = entry_code(t, e);
+        if (top + 1 > maxst) {
+          top += 1;
+          print_swap_stack_full(screen, maxst, top);
+          ierror = 8;
+          return true;
+        }
+      } else {
+        if (u == btri && fp1 == bedg) {
+          btri = t;
+          bedg = e;
+        }
+        // The hull edge a-c now lies in t; the one before it ends in a.
+        m.hull_edge_ending_at(c) = entry_code(t, e);
+        store_hull_link(m, a, -entry_code(t, e));
       }
-      // The hull edge a-c now lies in t; the one before it ends in a.
-      m.hull_edge_ending_at(c) = entry_code(t, e);
-      store_hull_link(m, a, -entry_code(t, e));
-    }
-    if (r > 0) {
-      const std::int32_t rt = coded_triangle(r);
-      const std::int32_t rg = coded_edge(r);
-      if (named_earlier(m, rt, rg, t)) return false;
-      m.across(rt, rg) = entry_code(u, f);
-    } else {
-      if (t == btri && ep1 == bedg) {
-        btri = u;
-        bedg = f;
+      if (r > 0) {
+        const std::int32_t rt = coded_triangle(r);
+        const std::int32_t rg = coded_edge(r);
+        if (named_earlier(m, rt, rg, t)) return false;
+        m.across(rt, rg) = entry_code(u, f);
+      } else {
+        if (t == btri && ep1 == bedg) {
+          btri = u;
+          bedg = f;
+        }
+        // The hull edge b-i now lies in u; the one before it ends in b.
+        m.hull_edge_ending_at(i) = entry_code(u, f);
+        store_hull_link(m, b, -entry_code(u, f));
       }
-      // The hull edge b-i now lies in u; the one before it ends in b.
-      m.hull_edge_ending_at(i) = entry_code(u, f);
-      store_hull_link(m, b, -entry_code(u, f));
+      if (!test_t_again) break;
+      b = c;
+      across_e = s;
     }
   }
   return true;
