@@ -1,5 +1,6 @@
 #include "relaxation/cell_polygons.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "common/failure.h"
@@ -45,14 +46,13 @@ void plain_cell(RunState& state, CellCursor& cursor, std::int32_t p, std::int32_
   cursor.last_point = p;
 }
 
-// The plain cells of mesh points first to n, which follow the ring points.
-// Where each cell's corners go is the running sum of the counts before it,
-// worked out first; each cell then reads its own column and writes its own
-// corners alone, so the two halves of the points are filled side by side
-// with the same result.  A point of fewer than two triangles ends the run
-// with the message the cell-by-cell loop meets first, that of the lowest
-// such point; the tables a failing run leaves are never read.
-void plain_cells(RunState& state, CellCursor& cursor, std::int32_t first, std::int32_t n) {
+// The counts and first corners of the plain cells of mesh points first to
+// n, which follow the ring points: where each cell's corners go is the
+// running sum of the counts before it.  A point of fewer than two
+// triangles ends the run with the message the cell-by-cell loop meets
+// first, that of the lowest such point; the tables a failing run leaves are
+// never read.
+void number_plain_cells(RunState& state, CellCursor& cursor, std::int32_t first, std::int32_t n) {
   if (first > n) return;
   CellTables& cells = state.cells;
   const TriangleTable& tt = state.triangles;
@@ -65,6 +65,18 @@ void plain_cells(RunState& state, CellCursor& cursor, std::int32_t first, std::i
     cells.cell_first_vertex[at] = last_vertex + 1;
     last_vertex += c;
   }
+  cursor.last_vertex = last_vertex;
+  cursor.last_point = n;
+}
+
+// The plain cells of mesh points first to n.  Once numbered, each cell
+// reads its own column and writes its own corners alone, so the two halves
+// of the points are filled side by side with the same result.
+void plain_cells(RunState& state, CellCursor& cursor, std::int32_t first, std::int32_t n) {
+  if (first > n) return;
+  number_plain_cells(state, cursor, first, n);
+  CellTables& cells = state.cells;
+  const TriangleTable& tt = state.triangles;
   run_in_parts(static_cast<std::size_t>(n - first + 1), [&](std::size_t begin, std::size_t end, int) {
     for (std::size_t k = begin; k < end; ++k) {
       const std::int32_t p = first + static_cast<std::int32_t>(k);
@@ -79,8 +91,70 @@ void plain_cells(RunState& state, CellCursor& cursor, std::int32_t first, std::i
     }
     return PartFailure{};
   });
-  cursor.last_vertex = last_vertex;
-  cursor.last_point = n;
+}
+
+// The cells of the inner points and of the ring points, in their order,
+// which come before the plain cells.
+void fixed_point_cells(RunState& state, CellCursor& cursor) {
+  const std::int32_t n = state.mesh.mesh_point_count;
+  for (const PointSet& points : state.inner_point_sets) {
+    for (std::int32_t k = 0; k < points.count; ++k) {
+      // An inner point that fails is reported by the number after the last
+      // mesh point, whichever inner point it was.
+      plain_cell(state, cursor, cursor.last_point + 1, n + 1);
+    }
+  }
+  if (!populate_boundary_with_polys(state, cursor, state.outer_boundary)) throw RunFailure{};
+  for (const BoundaryRing& ring : state.inner_boundaries) {
+    if (!populate_boundary_with_polys(state, cursor, ring)) throw RunFailure{};
+  }
+}
+
+// The area and centroid of every cell, each by itself in a polygon buffer
+// of its own part.  The corners of the plain cells from mesh point
+// `first_gathered` on are gathered from their columns and the triangles'
+// centroids, as plain_cells writes them, with their codes written as it
+// writes them; every other cell's corners are read from cell_vertices.
+void measure_cells_from(RunState& state, std::int32_t first_gathered) {
+  CellTables& cells = state.cells;
+  const TriangleTable& tt = state.triangles;
+  cells.second_polygon_buffer.resize(cells.polygon_buffer.size());
+  const std::size_t gathered = static_cast<std::size_t>(std::max(first_gathered, 1) - 1);
+  const PartFailure failure =
+      run_in_parts(static_cast<std::size_t>(state.mesh.mesh_point_count), [&](std::size_t begin, std::size_t end, int part) {
+        std::vector<double>& buffer = part == 0 ? cells.polygon_buffer : cells.second_polygon_buffer;
+        for (std::size_t k = begin; k < end; ++k) {
+          const std::int32_t v = cells.cell_vertex_count[k];
+          if (v > kMaxPolyVert) {
+            return PartFailure{k, "Maximum permitted vertices in any one Voronoi polygon is 100. Increase "
+                                  "MAXPOLYVERT and recompile program."};
+          }
+          const std::size_t first = static_cast<std::size_t>(cells.cell_first_vertex[k] - 1);
+          if (k >= gathered) {
+            const std::int32_t* col = column(state, static_cast<std::int32_t>(k + 1));
+            for (std::int32_t j = 0; j < v; ++j) {
+              const std::int32_t t = col[j];
+              buffer[2 * static_cast<std::size_t>(j)] = tt.tri_centroid[2 * static_cast<std::size_t>(t - 1)];
+              buffer[2 * static_cast<std::size_t>(j) + 1] = tt.tri_centroid[2 * static_cast<std::size_t>(t - 1) + 1];
+              cells.cell_vertex_code[first + static_cast<std::size_t>(j)] = t;
+            }
+          } else {
+            std::copy(cells.cell_vertices.begin() + static_cast<std::ptrdiff_t>(2 * first),
+                      cells.cell_vertices.begin() + static_cast<std::ptrdiff_t>(2 * first + 2 * static_cast<std::size_t>(v)),
+                      buffer.begin());
+          }
+          const AreaCentroid result = polygon_area_centroid(v, buffer.data());
+          cells.cell_centroid[2 * k] = result.x;
+          cells.cell_centroid[2 * k + 1] = result.y;
+          cells.cell_area[k] = result.area;
+          if (result.area == 0.0) {
+            return PartFailure{k, "The area of the Voronoi polygon associated with cell number " +
+                                      int_to_text(static_cast<std::int32_t>(k + 1)) + " is zero."};
+          }
+        }
+        return PartFailure{};
+      });
+  if (failure.failed()) fail(state, failure.message);
 }
 
 }  // namespace
@@ -263,50 +337,20 @@ void assemble_cell_polygons(RunState& state) {
   size_cell_tables(state);
   CellCursor cursor;
   state.cells.edge_code_base = 0;
-  const std::int32_t n = state.mesh.mesh_point_count;
-  for (const PointSet& points : state.inner_point_sets) {
-    for (std::int32_t k = 0; k < points.count; ++k) {
-      // An inner point that fails is reported by the number after the last
-      // mesh point, whichever inner point it was.
-      plain_cell(state, cursor, cursor.last_point + 1, n + 1);
-    }
-  }
-  if (!populate_boundary_with_polys(state, cursor, state.outer_boundary)) throw RunFailure{};
-  for (const BoundaryRing& ring : state.inner_boundaries) {
-    if (!populate_boundary_with_polys(state, cursor, ring)) throw RunFailure{};
-  }
-  plain_cells(state, cursor, cursor.last_point + 1, n);
+  fixed_point_cells(state, cursor);
+  plain_cells(state, cursor, cursor.last_point + 1, state.mesh.mesh_point_count);
 }
 
-void measure_cells(RunState& state) {
-  // Each cell is measured by itself, in a polygon buffer of its own part.
-  CellTables& cells = state.cells;
-  cells.second_polygon_buffer.resize(cells.polygon_buffer.size());
-  const PartFailure failure =
-      run_in_parts(static_cast<std::size_t>(state.mesh.mesh_point_count), [&](std::size_t begin, std::size_t end, int part) {
-        std::vector<double>& buffer = part == 0 ? cells.polygon_buffer : cells.second_polygon_buffer;
-        for (std::size_t k = begin; k < end; ++k) {
-          const std::int32_t v = cells.cell_vertex_count[k];
-          if (v > kMaxPolyVert) {
-            return PartFailure{k, "Maximum permitted vertices in any one Voronoi polygon is 100. Increase "
-                                  "MAXPOLYVERT and recompile program."};
-          }
-          const std::size_t first = 2 * static_cast<std::size_t>(cells.cell_first_vertex[k] - 1);
-          std::copy(cells.cell_vertices.begin() + static_cast<std::ptrdiff_t>(first),
-                    cells.cell_vertices.begin() + static_cast<std::ptrdiff_t>(first + 2 * static_cast<std::size_t>(v)),
-                    buffer.begin());
-          const AreaCentroid result = polygon_area_centroid(v, buffer.data());
-          cells.cell_centroid[2 * k] = result.x;
-          cells.cell_centroid[2 * k + 1] = result.y;
-          cells.cell_area[k] = result.area;
-          if (result.area == 0.0) {
-            return PartFailure{k, "The area of the Voronoi polygon associated with cell number " +
-                                      int_to_text(static_cast<std::int32_t>(k + 1)) + " is zero."};
-          }
-        }
-        return PartFailure{};
-      });
-  if (failure.failed()) fail(state, failure.message);
+void measure_cells(RunState& state) { measure_cells_from(state, state.mesh.mesh_point_count + 1); }
+
+void assemble_and_measure_cells(RunState& state) {
+  size_cell_tables(state);
+  CellCursor cursor;
+  state.cells.edge_code_base = 0;
+  fixed_point_cells(state, cursor);
+  const std::int32_t first_plain = cursor.last_point + 1;
+  number_plain_cells(state, cursor, first_plain, state.mesh.mesh_point_count);
+  measure_cells_from(state, first_plain);
 }
 
 AreaCentroid polygon_area_centroid(std::int32_t count, double* corners) {

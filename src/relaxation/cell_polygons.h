@@ -35,6 +35,21 @@ void size_cell_tables(RunState& state);
 // Works out the area and centroid of every cell.
 void measure_cells(RunState& state);
 
+// assemble_cell_polygons and measure_cells in one, for a pass whose cell
+// corners nothing reads: one that writes no files and is not the last, so
+// that the next pass assembles every cell again before anything reads
+// them.  The plain cells' corners are not written to cell_vertices: each
+// cell's are gathered from its column and the triangles' centroids straight
+// into the buffer that measure_cells would copy them into, the same values
+// in the same order, so its area and centroid are the same bits.  Every
+// other table is written as the two steps write it: the counts, the first
+// corners and the codes of every cell (number_grid_vertices reads the whole
+// list of codes, entries left from earlier passes included), and the
+// inner and ring points' corners.  The failures are the two steps', met in
+// the same order.  Spared the writing and reading back of some 100 MB of
+// corners a pass at a million cells.
+void assemble_and_measure_cells(RunState& state);
+
 struct AreaCentroid {
   double x = 0.0;
   double y = 0.0;

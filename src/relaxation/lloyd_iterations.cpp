@@ -133,10 +133,16 @@ void lloyd_iterations(RunState& state) {
     build_connected_triangles(state);
     order_connected_triangles(state);
     cell_fill.finish();
-    assemble_cell_polygons(state);
-    measure_cells(state);
     const bool count_reached = state.lloyd_iteration == state.control.max_lloyd;
     const bool last_pass = count_reached || state.lloyd_last_pass;
+    // Files are due in the first pass and in the last; the cells of the
+    // passes between are read only for their areas and centroids.
+    if (beside && !files_due) {
+      assemble_and_measure_cells(state);
+    } else {
+      assemble_cell_polygons(state);
+      measure_cells(state);
+    }
     if (files_due) {
       open_cell_files(state, cell_files);
       if (!beside) {
