@@ -130,6 +130,17 @@ void measure_cells_from(RunState& state, std::int32_t first_gathered) {
                                   "MAXPOLYVERT and recompile program."};
           }
           const std::size_t first = static_cast<std::size_t>(cells.cell_first_vertex[k] - 1);
+          // The centroids a gathered cell some places on will read lie
+          // scattered; they are asked for while this cell is measured, whose
+          // sums wait on each other and would otherwise leave the loads of
+          // the cells after it to wait their turn.  A hint changes no value.
+          if (k >= gathered && k + kPrefetchAhead < end) {
+            const std::size_t ahead = k + kPrefetchAhead;
+            const std::int32_t* ahead_col = column(state, static_cast<std::int32_t>(ahead + 1));
+            for (std::int32_t j = 0; j < cells.cell_vertex_count[ahead] && j < kMaxPolyVert; ++j) {
+              prefetch(&tt.tri_centroid[2 * static_cast<std::size_t>(ahead_col[j] - 1)]);
+            }
+          }
           if (k >= gathered) {
             const std::int32_t* col = column(state, static_cast<std::int32_t>(k + 1));
             for (std::int32_t j = 0; j < v; ++j) {

@@ -47,7 +47,8 @@ void measure_cells(RunState& state);
 // list of codes, entries left from earlier passes included), and the
 // inner and ring points' corners.  The failures are the two steps', met in
 // the same order.  Spared the writing and reading back of some 100 MB of
-// corners a pass at a million cells.
+// corners a pass, the million cells' second pass took 0.027 s against
+// 0.049 s for the two steps (medians of 9 pairs, the two in turn).
 void assemble_and_measure_cells(RunState& state);
 
 struct AreaCentroid {
