@@ -7,6 +7,7 @@
 #include "common/failure.h"
 #include "relaxation/cell_polygons.h"
 #include "relaxation/lloyd_step.h"
+#include "support/phase_failure.h"
 #include "support/scratch.h"
 #include "support/whole_run.h"
 
@@ -309,14 +310,7 @@ RunState fan_state(const std::vector<std::int32_t>& column,
   return state;
 }
 
-std::string failure_of(RunState& state, void (*phase)(RunState&)) {
-  try {
-    phase(state);
-  } catch (const RunFailure&) {
-    return state.message_buffer;
-  }
-  return "";
-}
+using tesseramill_test::failure_of;
 
 TEST(OrderConnectedTriangles, ThreeNeighboursInOneFanIsAnAnomaly) {
   RunState state = fan_state({1, 2, 3, 4}, {{2, 3, 4}, {1, -1, -1}, {1, -1, -1}, {1, -1, -1}});

@@ -16,6 +16,7 @@
 #include "relaxation/lloyd_step.h"
 #include "run/program.h"
 #include "support/model_state.h"
+#include "support/phase_failure.h"
 #include "support/scratch.h"
 #include "triangulation/triangulate_points.h"
 
@@ -27,14 +28,7 @@ bool same_bits(const std::vector<double>& a, const std::vector<double>& b) {
   return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(double)) == 0);
 }
 
-std::string failure_of(RunState& state, void (*phase)(RunState&)) {
-  try {
-    phase(state);
-  } catch (const RunFailure&) {
-    return state.message_buffer;
-  }
-  return "";
-}
+using tesseramill_test::failure_of;
 
 void assemble_then_measure(RunState& state) {
   assemble_cell_polygons(state);
