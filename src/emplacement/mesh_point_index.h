@@ -88,22 +88,23 @@ void points_in_box(const MeshPointIndex& index, double xlo, double xhi, double y
                    std::vector<std::int32_t>& out);
 
 // Appends to `out` the points with xlo <= x <= xhi and ylo <= y <= yhi, with
-// their coordinates, in no set order.
+// their coordinates, in the order visit_entries_in_box visits them.
 void entries_in_box(const MeshPointIndex& index, double xlo, double xhi, double ylo, double yhi,
                     std::vector<MeshPointIndex::Entry>& out);
 
-// Visits the points with xlo <= x <= xhi and ylo <= y <= yhi, in no set
-// order, making the same comparisons as a scan over every point would, and
-// stops at the first for which stop(entry) is true; returns whether one
-// was.
-template <typename Stop>
-bool visit_entries_in_box(const MeshPointIndex& index, double xlo, double xhi, double ylo, double yhi, Stop stop) {
-  auto stops = [&](const MeshPointIndex::Entry& e) {
-    return e.x >= xlo && e.x <= xhi && e.y >= ylo && e.y <= yhi && stop(e);
-  };
-  for (const MeshPointIndex::Entry& e : index.elsewhere) {
-    if (stops(e)) return true;
-  }
+// The same, one push at each point that passes the tests: the reference
+// for entries_in_box, kept for tests and benchmarks.
+void entries_in_box_by_visits(const MeshPointIndex& index, double xlo, double xhi, double ylo, double yhi,
+                              std::vector<MeshPointIndex::Entry>& out);
+
+// Hands each run of points that a box can hold to on_run(first, count), in
+// a set order: the points kept elsewhere, then leaf by leaf, each leaf's
+// block before its overflow; stops at the first run for which on_run is
+// true, and returns whether one was.  Only leaves the box reaches are
+// visited; the points of a run must still be tested against the box.
+template <typename OnRun>
+bool visit_runs_in_box(const MeshPointIndex& index, double xlo, double xhi, double ylo, double yhi, OnRun on_run) {
+  if (!index.elsewhere.empty() && on_run(index.elsewhere.data(), index.elsewhere.size())) return true;
   if (index.cells.empty()) return false;
   std::int32_t stack[4 * kMeshIndexDeepest + 8];
   std::int32_t top = 0;
@@ -113,14 +114,11 @@ bool visit_entries_in_box(const MeshPointIndex& index, double xlo, double xhi, d
     if (cell.first_child < 0) {
       const std::size_t block = leaf_block(cell);
       const std::int32_t held = std::min(cell.count, kMeshIndexLeafPoints);
-      const MeshPointIndex::Entry* points = index.blocks.data() + block * kMeshIndexLeafPoints;
-      for (std::int32_t i = 0; i < held; ++i) {
-        if (stops(points[i])) return true;
-      }
+      if (on_run(index.blocks.data() + block * kMeshIndexLeafPoints, static_cast<std::size_t>(held))) return true;
       if (cell.count > kMeshIndexLeafPoints) {
-        for (const MeshPointIndex::Entry& e : index.overflow[static_cast<std::size_t>(index.overflow_of[block])]) {
-          if (stops(e)) return true;
-        }
+        const std::vector<MeshPointIndex::Entry>& rest =
+            index.overflow[static_cast<std::size_t>(index.overflow_of[block])];
+        if (on_run(rest.data(), rest.size())) return true;
       }
       continue;
     }
@@ -143,6 +141,21 @@ bool visit_entries_in_box(const MeshPointIndex& index, double xlo, double xhi, d
     }
   }
   return false;
+}
+
+// Visits the points with xlo <= x <= xhi and ylo <= y <= yhi, in the order
+// of visit_runs_in_box, making the same comparisons as a scan over every
+// point would, and stops at the first for which stop(entry) is true;
+// returns whether one was.
+template <typename Stop>
+bool visit_entries_in_box(const MeshPointIndex& index, double xlo, double xhi, double ylo, double yhi, Stop stop) {
+  return visit_runs_in_box(index, xlo, xhi, ylo, yhi, [&](const MeshPointIndex::Entry* run, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+      const MeshPointIndex::Entry& e = run[i];
+      if (e.x >= xlo && e.x <= xhi && e.y >= ylo && e.y <= yhi && stop(e)) return true;
+    }
+    return false;
+  });
 }
 
 // visit_entries_in_box, handing stop() the point's number alone.

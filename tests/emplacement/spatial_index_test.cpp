@@ -52,6 +52,7 @@ TEST(MeshPointIndex, ListsWhatAScanLists) {
     start_mesh_point_index(index, &points, offset + 1000, offset + 5000, offset + 1000, offset + 3000);
     std::vector<std::int32_t> listed;
     std::vector<MeshPointIndex::Entry> entries;
+    std::vector<MeshPointIndex::Entry> by_visits;
     for (int n = 0; n < 4000; ++n) {
       double x;
       double y;
@@ -111,8 +112,19 @@ TEST(MeshPointIndex, ListsWhatAScanLists) {
           ASSERT_EQ(listed, scan(points, xlo, xhi, ylo, yhi));
           // The same points with their coordinates, appended after what
           // the list already holds.
-          entries.assign(1, MeshPointIndex::Entry{-1.0, -1.0, -1.0, -1});
+          // In the order, and with every field, of the reference's pushes,
+          // after lists of one entry and of more than a leaf holds.
+          const std::size_t before = q % 2 == 0 ? 1 : 37;
+          entries.assign(before, MeshPointIndex::Entry{-1.0, -1.0, -1.0, -1});
+          by_visits.assign(before, MeshPointIndex::Entry{-1.0, -1.0, -1.0, -1});
           entries_in_box(index, xlo, xhi, ylo, yhi, entries);
+          entries_in_box_by_visits(index, xlo, xhi, ylo, yhi, by_visits);
+          ASSERT_EQ(entries.size(), by_visits.size());
+          for (std::size_t e = 0; e < entries.size(); ++e) {
+            ASSERT_EQ(entries[e].number, by_visits[e].number);
+            ASSERT_EQ(0, std::memcmp(&entries[e].x, &by_visits[e].x, 3 * sizeof(double)));
+          }
+          entries.erase(entries.begin(), entries.begin() + static_cast<std::ptrdiff_t>(before - 1));
           ASSERT_EQ(entries[0].number, -1);
           std::sort(entries.begin() + 1, entries.end(),
                     [](const MeshPointIndex::Entry& a, const MeshPointIndex::Entry& b) { return a.number < b.number; });
