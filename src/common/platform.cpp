@@ -343,6 +343,8 @@ const char* screen_line_end() { return "\r\n"; }
 
 bool keep_freed_memory() { return false; }
 
+bool freed_memory_kept() { return false; }
+
 #else
 
 std::FILE* open_file(const std::string& name, const char* mode) { return std::fopen(name.c_str(), mode); }
@@ -446,17 +448,24 @@ std::int64_t process_id() { return static_cast<std::int64_t>(::getpid()); }
 
 const char* screen_line_end() { return "\n"; }
 
+namespace {
+std::atomic<bool> memory_kept{false};
+}  // namespace
+
 bool keep_freed_memory() {
 #if defined(__GLIBC__)
   // mallopt gives 1 where it took the setting.  The heap's top is kept up
   // to the largest bound the setting holds.
   const bool no_maps = ::mallopt(M_MMAP_MAX, 0) == 1;
   const bool no_trim = ::mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max()) == 1;
+  if (no_maps && no_trim) memory_kept.store(true, std::memory_order_relaxed);
   return no_maps && no_trim;
 #else
   return false;
 #endif
 }
+
+bool freed_memory_kept() { return memory_kept.load(std::memory_order_relaxed); }
 
 #endif
 

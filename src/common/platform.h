@@ -148,6 +148,9 @@ bool make_folder_read_only(const std::filesystem::path& folder);
 // where the library took both settings.
 bool keep_freed_memory();
 
+// Whether keep_freed_memory has taken its settings in this process.
+bool freed_memory_kept();
+
 // How a line of the screen ends: the C runtime of Windows writes its
 // text-mode standard output with CR LF, as every console program there
 // does; Linux ends it with LF alone.  Files are written in binary mode and

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <ostream>
 
+#include "common/pages_ahead.h"
 #include "common/parallel.h"
 #include "output/number_format.h"
 #include "triangulation/dtris2_insertion.h"
@@ -477,8 +478,12 @@ int DTRIS2(std::int32_t n, const double* points, std::int32_t* sort_index, std::
       work.triangles.data() + (misalignment == 0 ? 0 : (kLine - misalignment) / sizeof(std::int32_t));
   work.hull_end.resize(static_cast<std::size_t>(n));
   int ierror = 0;
+  // The insertion holds one core for most of the call, the other idle.
+  PagesAhead ahead;
+  touch_pages_ahead(ahead, work.touch_beside_insertion);
   const FastInsertion fast = insert_sorted_points(n, work.sorted_points.data(), records,
                                                   work.hull_end.data(), stack, triangle_count, ierror, screen);
+  release_pages_ahead(ahead);
   if (fast != FastInsertion::kDone) {
     Mesh m{work.sorted_points.data(), work.identity.data(), records, records + 3, stack, screen, kTriangleRecord};
     ierror = triangulate_sorted(m, n, triangle_count);

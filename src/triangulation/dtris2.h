@@ -2,6 +2,7 @@
 // with edge swapping.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <iosfwd>
 #include <vector>
@@ -26,6 +27,10 @@ struct Dtris2Workspace {
   std::vector<std::int32_t> identity;
   std::vector<std::int32_t> triangles;  // corners and neighbours, 6 per triangle
   std::vector<std::int32_t> hull_end;   // per point, the hull edge that ends in it
+  // Bytes of memory to touch ahead (PagesAhead) on the second core while
+  // the insertion holds the first, for what the caller allocates after the
+  // call; 0 for none.
+  std::size_t touch_beside_insertion = 0;
 };
 
 // Triangulates the n points held as x,y pairs in `points`.  `sort_index`

@@ -8,6 +8,7 @@
 
 #include "common/failure.h"
 #include "common/parallel.h"
+#include "common/platform.h"
 #include "common/prefetch.h"
 #include "common/text_tools.h"
 #include "emplacement/mesh_point_list.h"
@@ -121,6 +122,31 @@ PartFailure compute_triangle_range(RunState& state, std::size_t begin, std::size
     }
   }
   return PartFailure{};
+}
+
+// About what the first pass allocates after its insertion, which the
+// insertion has the pages of touched ahead (PagesAhead): the lists of each
+// point's triangles (rows of 12, for the 9 to 10 most that meshes of any
+// size have had), each list's fill, the cells' corners and codes (the
+// internal triangles' corners, at most 6 a point, and 3 more for each
+// ring point) and the cells' tables of one or two entries a point.  Taken
+// short, the rest is touched at its first use as before; taken long, the
+// pages left over stay with the process unused.  None where freed memory
+// is not kept (the block would go back to the system when freed), and at
+// most 1 GiB: the heap's top is kept only up to 2 GiB, and a larger top
+// left by the freed block would be given back.
+std::size_t memory_after_first_insertion(const RunState& state, std::int32_t n) {
+  constexpr std::size_t kMostTouchedAhead = std::size_t{1} << 30;
+  if (!freed_memory_kept()) return 0;
+  const std::size_t points = static_cast<std::size_t>(std::max(n, 0));
+  std::size_t ring_points = static_cast<std::size_t>(std::max(state.outer_boundary.point_count, 0));
+  for (const BoundaryRing& ring : state.inner_boundaries) {
+    ring_points += static_cast<std::size_t>(std::max(ring.point_count, 0));
+  }
+  const std::size_t lists = points * (12 + 1) * sizeof(std::int32_t);
+  const std::size_t corners = (6 * points + 3 * ring_points) * (2 * sizeof(double) + sizeof(std::int32_t));
+  const std::size_t cells = points * (2 * sizeof(std::int32_t) + 5 * sizeof(double));
+  return std::min(lists + corners + cells, kMostTouchedAhead);
 }
 
 // Circumcircles and centroids of every triangle; each triangle by itself,
@@ -313,6 +339,7 @@ void triangulate_points(RunState& state) {
     create_tables(state, n);
   }
   std::iota(tt.sort_index.begin(), tt.sort_index.end(), 1);
+  tt.dtris2.touch_beside_insertion = first_pass ? memory_after_first_insertion(state, n) : 0;
   const double* points = state.mesh.mesh_points.data();
   const int ierror =
       state.reference_paths

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "common/platform.h"
 #include "run/program.h"
 #include "support/model_state.h"
 #include "support/scratch.h"
@@ -135,6 +136,35 @@ TEST(ConnectedTriangles, ExternalMarksMadeWithTheCentroidsAsByTheirOwnSweep) {
 
 TEST(ConnectedTriangles, RowsMadeAnewWhenTooFewForTheCounts) {
   for (const Model& model : kModels) expect_same_lists(model, true);
+}
+
+// Only the first insertion has pages touched beside it, for the lists and
+// cells that pass makes after it: at least the cells' corners and codes of
+// six triangles a point, 20 bytes each, and less than 400 bytes a point in
+// all.  Later passes make no new tables.  Where freed memory is not kept
+// (elsewhere than with GNU's C library, and under the sanitizers'
+// allocator), none.
+TEST(ConnectedTriangles, PagesTouchedBesideTheFirstInsertionAlone) {
+  const bool kept = tesseramill::keep_freed_memory();
+  for (const Model& model : kModels) {
+    ScratchDir dir;
+    copy_folder(source_path(model.folder), dir.path());
+    RunState state;
+    std::ostringstream screen;
+    ASSERT_TRUE(run_phases_until(state, dir.path(), model.control, Phase::kPopulateInterior, screen));
+    tesseramill::triangulate_points(state);
+    const std::size_t n = static_cast<std::size_t>(state.mesh.mesh_point_count);
+    if (kept) {
+      EXPECT_GE(state.triangles.dtris2.touch_beside_insertion, 6 * 20 * n) << model.folder;
+      EXPECT_LT(state.triangles.dtris2.touch_beside_insertion, 400 * n) << model.folder;
+    } else {
+      EXPECT_EQ(state.triangles.dtris2.touch_beside_insertion, 0u) << model.folder;
+    }
+    tesseramill::build_connected_triangles(state);
+    state.lloyd_iteration = 1;
+    tesseramill::triangulate_points(state);
+    EXPECT_EQ(state.triangles.dtris2.touch_beside_insertion, 0u) << model.folder;
+  }
 }
 
 }  // namespace

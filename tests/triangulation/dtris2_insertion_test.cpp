@@ -93,6 +93,10 @@ TEST(Dtris2Insertion, SeededUniformSetsOfManySizes) {
       points.push_back(offset + random.uniform(0, 2000));
       points.push_back(offset + random.uniform(0, 700));
     }
+    // Pages touched beside the insertion, of none, part of one and many
+    // pages, change nothing the call gives.
+    const std::size_t touched[] = {0, 1, 65536, 3 << 20};
+    work.touch_beside_insertion = touched[trial % 4];
     EXPECT_EQ(expect_same(points, work, "uniform trial " + std::to_string(trial)), 0);
   }
 }
