@@ -782,7 +782,7 @@ PointView run_points(const RunState& state) {
 }
 
 void entries_in_view(const PointView& view, double xlo, double xhi, double ylo, double yhi,
-                     std::vector<MeshPointIndex::Entry>& out) {
+                     MeshPointIndex::EntryList& out) {
   out.clear();
   entries_in_box(*view.index, xlo, xhi, ylo, yhi, out);
   if (view.own == nullptr) return;

@@ -28,7 +28,7 @@ struct alignas(64) ProposalScratch {
   std::vector<TileSources> tiles;
   std::vector<std::uint8_t> tile_kept;
   // The near list's points as the indexes give them, then sorted by x.
-  std::vector<MeshPointIndex::Entry> near;
+  MeshPointIndex::EntryList near;
   // For each point of the near list as sorted, the squared distance below
   // which it surely strikes a candidate (0 where none is known).
   std::vector<double> near_strike;
@@ -152,7 +152,7 @@ PointView run_points(const RunState& state);
 // The points of `view` with xlo <= x <= xhi and ylo <= y <= yhi, with their
 // numbers in the view and their coordinates, in no set order.
 void entries_in_view(const PointView& view, double xlo, double xhi, double ylo, double yhi,
-                     std::vector<MeshPointIndex::Entry>& out);
+                     MeshPointIndex::EntryList& out);
 
 // What the literal steps of seed `seed` (one of the run's points in `view`)
 // choose among the points of `view`, worked out with indexes and bounds;

@@ -141,10 +141,12 @@ void points_in_box(const MeshPointIndex& index, double xlo, double xhi, double y
 // points do, in no pattern, so a branch on the test would be mispredicted
 // at one point in three.  The tests are visit_entries_in_box's and the
 // points come in its order, so `out` ends as the push at each point that
-// passes leaves it (entries_in_box_by_visits).  The vector is lengthened
-// ahead of each run to hold all of it and cut back at the end.
+// passes leaves it (entries_in_box_by_visits).  The list is lengthened
+// ahead of each run to hold all of it and cut back at the end; the places
+// it gains are left unwritten (EntryList), as each is written before it is
+// kept.
 void entries_in_box(const MeshPointIndex& index, double xlo, double xhi, double ylo, double yhi,
-                    std::vector<MeshPointIndex::Entry>& out) {
+                    MeshPointIndex::EntryList& out) {
   std::size_t kept = out.size();
   visit_runs_in_box(index, xlo, xhi, ylo, yhi, [&](const MeshPointIndex::Entry* run, std::size_t count) {
     if (out.size() < kept + count) out.resize(kept + count + kept / 2 + kMeshIndexLeafPoints);
@@ -161,7 +163,7 @@ void entries_in_box(const MeshPointIndex& index, double xlo, double xhi, double 
 }
 
 void entries_in_box_by_visits(const MeshPointIndex& index, double xlo, double xhi, double ylo, double yhi,
-                              std::vector<MeshPointIndex::Entry>& out) {
+                              MeshPointIndex::EntryList& out) {
   visit_entries_in_box(index, xlo, xhi, ylo, yhi, [&](const MeshPointIndex::Entry& e) {
     out.push_back(e);
     return false;

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "common/unwritten_allocator.h"
+
 namespace tesseramill {
 
 // A cell this deep is not split again: its points share a place to within
@@ -25,15 +27,19 @@ inline constexpr std::int32_t kMeshIndexLeafPoints = 16;
 // the copies are the table's values, as a point's coordinates never change
 // once it is inserted.
 struct MeshPointIndex {
+  // Made with all four values: an entry has no initialisers, so that a
+  // query's list can be lengthened ahead of its writes without zeros
+  // written first (EntryList).
   struct Entry {
-    double x = 0.0;
-    double y = 0.0;
+    double x;
+    double y;
     // The squared distance below which the point surely strikes a
     // candidate where the field's slope holds, from `strikes`; 0 where not
     // known.
-    double strike = 0.0;
-    std::int32_t number = 0;  // 1-based
+    double strike;
+    std::int32_t number;  // 1-based
   };
+  using EntryList = std::vector<Entry, UnwrittenAllocator<Entry>>;
   // What a query reads of a cell, kept apart from the rest so that the
   // four children of a cell lie on 96 bytes.
   struct Cell {
@@ -90,12 +96,12 @@ void points_in_box(const MeshPointIndex& index, double xlo, double xhi, double y
 // Appends to `out` the points with xlo <= x <= xhi and ylo <= y <= yhi, with
 // their coordinates, in the order visit_entries_in_box visits them.
 void entries_in_box(const MeshPointIndex& index, double xlo, double xhi, double ylo, double yhi,
-                    std::vector<MeshPointIndex::Entry>& out);
+                    MeshPointIndex::EntryList& out);
 
 // The same, one push at each point that passes the tests: the reference
 // for entries_in_box, kept for tests and benchmarks.
 void entries_in_box_by_visits(const MeshPointIndex& index, double xlo, double xhi, double ylo, double yhi,
-                              std::vector<MeshPointIndex::Entry>& out);
+                              MeshPointIndex::EntryList& out);
 
 // Hands each run of points that a box can hold to on_run(first, count), in
 // a set order: the points kept elsewhere, then leaf by leaf, each leaf's

@@ -51,8 +51,8 @@ TEST(MeshPointIndex, ListsWhatAScanLists) {
     MeshPointIndex index;
     start_mesh_point_index(index, &points, offset + 1000, offset + 5000, offset + 1000, offset + 3000);
     std::vector<std::int32_t> listed;
-    std::vector<MeshPointIndex::Entry> entries;
-    std::vector<MeshPointIndex::Entry> by_visits;
+    MeshPointIndex::EntryList entries;
+    MeshPointIndex::EntryList by_visits;
     for (int n = 0; n < 4000; ++n) {
       double x;
       double y;
