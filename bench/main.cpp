@@ -43,6 +43,7 @@
 #include <vector>
 
 #include "common/platform.h"
+#include "disc_room.h"
 #include "maths_speed.h"
 #include "model_family.h"
 #include "model_runs.h"
@@ -55,6 +56,7 @@ using tesseramill_bench::ModelRecipe;
 using tesseramill_bench::Timing;
 using tesseramill_bench::fixed;
 using tesseramill_bench::pad;
+using tesseramill_bench::room_shortfall_at;
 using tesseramill_bench::same_files;
 using tesseramill_bench::time_binary;
 using tesseramill_bench::time_library;
@@ -77,6 +79,7 @@ struct Row {
   std::string name;
   ModelRecipe recipe;
   bool with_reference = false;
+  double cells = 0.0;  // about how many the run gives, for the room its files need
 };
 
 ModelRecipe outline_model() {
@@ -93,11 +96,21 @@ ModelRecipe outline_model() {
   return recipe;
 }
 
+// A size as the table names it: "1e6", "3e4", "1e12".
 std::string size_label(double size) {
-  char text[16];
+  char text[32];
   std::snprintf(text, sizeof text, "%.0e", size);
-  std::string label = text;
-  return label.replace(label.find("e+0"), 3, "e");
+  const std::string printed = text;
+  const std::size_t e = printed.find('e');
+  if (e == std::string::npos) return printed;
+  std::string exponent = printed.substr(e + 1);
+  std::string sign;
+  if (!exponent.empty() && (exponent[0] == '+' || exponent[0] == '-')) {
+    if (exponent[0] == '-') sign = "-";
+    exponent.erase(0, 1);
+  }
+  while (exponent.size() > 1 && exponent[0] == '0') exponent.erase(0, 1);
+  return printed.substr(0, e) + "e" + sign + exponent;
 }
 
 std::vector<Row> family(const std::vector<double>& sizes, bool with_outline) {
@@ -105,17 +118,21 @@ std::vector<Row> family(const std::vector<double>& sizes, bool with_outline) {
   for (double size : sizes) {
     ModelRecipe recipe = tesseramill_bench::family_model(size);
     const std::string label = "family " + size_label(size);
+    // The family gives up to a tenth more cells than its size (1,056,458
+    // for 1e6).
+    const double cells = size * 1.1;
     if (size >= 1e6) {
       recipe.max_lloyd = 3;
-      rows.push_back({label + ", 3 passes", recipe, false});
+      rows.push_back({label + ", 3 passes", recipe, false, cells});
       // Ten million cells and more run the three passes only: the default
       // thirty would take a quarter of an hour and write hundreds of GB.
       if (size >= 1e7) continue;
       recipe.max_lloyd = -1;
     }
-    rows.push_back({label, recipe, size <= 3e4});
+    rows.push_back({label, recipe, size <= 3e4, cells});
   }
-  if (with_outline) rows.push_back({"outline of 2000 vertices", outline_model(), false});
+  // The outline's model gives 31,904 cells.
+  if (with_outline) rows.push_back({"outline of 2000 vertices", outline_model(), false, 35000.0});
   return rows;
 }
 
@@ -130,8 +147,10 @@ void print_head(bool with_binary) {
 // The GIS-like family (tesseramill_bench::gis_model): one row per size of
 // the divide, with the same phases as the table above and the cost per cell
 // of interior emplacement and of the whole run, in microseconds.
-void run_gis_family(const std::vector<int>& sizes, const fs::path& scratch) {
-  if (sizes.empty()) return;
+// Gives whether every run finished.
+bool run_gis_family(const std::vector<int>& sizes, const fs::path& scratch) {
+  if (sizes.empty()) return true;
+  bool all_ran = true;
   std::cout << "\nGIS-like family: a divide of N vertices with 150 m asked at each, a river of N/2 vertices\n"
                "with 60 m, cap 400 m, growth 1.25, MAX_LLOYD 3.  us/cell: interior emplacement and whole run.\n\n"
             << pad("model", 26) << pad("cells", 9) << pad("read", 7) << pad("bound", 7) << pad("inter", 8)
@@ -140,6 +159,13 @@ void run_gis_family(const std::vector<int>& sizes, const fs::path& scratch) {
   for (int n : sizes) {
     const fs::path folder = scratch / "gis";
     fs::remove_all(scratch);
+    // The divide of N vertices gives about 40 N cells (317,622 for 8,000).
+    const std::string short_of = room_shortfall_at(scratch.parent_path(), 40.0 * n, 1);
+    if (!short_of.empty()) {
+      std::cout << pad("gis " + std::to_string(n) + " vertices", 26) << "  (not run: " << short_of << ")" << std::endl;
+      all_ran = false;
+      continue;
+    }
     tesseramill_bench::write_model(tesseramill_bench::gis_model(n), folder);
     const Timing t = time_library(folder, false);
     const double total = t.total_seconds();
@@ -152,7 +178,9 @@ void run_gis_family(const std::vector<int>& sizes, const fs::path& scratch) {
     if (!t.ok) std::cout << "  (run did not finish: see " << (folder / "screen.txt").string() << ")";
     std::cout << std::endl;
     if (t.ok) fs::remove_all(scratch);
+    all_ran = all_ran && t.ok;
   }
+  return all_ran;
 }
 
 // A size of the GIS-like family as the command line names it ("gis2000"),
@@ -166,10 +194,8 @@ int usage() {
   return 2;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  std::vector<std::string> args(argv + 1, argv + argc);
+// Runs what the command line asks for and gives the exit status.
+int run(const std::vector<std::string>& args) {
   if (!args.empty() && args[0] == "--run-one") {
     // A run timed here runs as the program runs.
     tesseramill::keep_freed_memory();
@@ -219,7 +245,10 @@ int main(int argc, char** argv) {
         } else if (gis_size(item) > 0) {
           gis_sizes.push_back(gis_size(item));
         } else {
-          sizes.push_back(std::atof(item.c_str()));
+          // A size is a count of cells: a number above 0.
+          const double size = std::atof(item.c_str());
+          if (!(size > 0.0) || !std::isfinite(size)) return usage();
+          sizes.push_back(size);
         }
       }
     } else if (args[k] == "--binary" && k + 1 < args.size()) {
@@ -230,6 +259,7 @@ int main(int argc, char** argv) {
   }
 
   const fs::path scratch = tesseramill::fresh_temporary_folder("tesseramill_bench_");
+  bool all_ran = true;
   std::cout << "Wall seconds per phase (read: control and BLN files and checks; bound: boundary chains;\n"
                "inter: interior emplacement; lloyd: the Lloyd passes with their map files; write: final\n"
                "and MODFLOW 6 files), peak memory per cell, and the reference path's time as a multiple.\n\n";
@@ -238,6 +268,13 @@ int main(int argc, char** argv) {
     const fs::path fast = scratch / "fast";
     const fs::path reference = scratch / "reference";
     fs::remove_all(scratch);
+    const int folders = 1 + (row.with_reference ? 1 : 0) + (other_binary.empty() ? 0 : 1);
+    const std::string short_of = room_shortfall_at(scratch.parent_path(), row.cells, folders);
+    if (!short_of.empty()) {
+      std::cout << pad(row.name, 26) << "  (not run: " << short_of << ")" << std::endl;
+      all_ran = false;
+      continue;
+    }
     tesseramill_bench::write_model(row.recipe, fast);
     const Timing t = time_library(fast, false);
     const double total = t.total_seconds();
@@ -261,7 +298,15 @@ int main(int argc, char** argv) {
     if (!t.ok) std::cout << "  (run did not finish: see " << (fast / "screen.txt").string() << ")";
     std::cout << std::endl;
     if (t.ok) fs::remove_all(scratch);
+    all_ran = all_ran && t.ok;
   }
-  run_gis_family(gis_sizes, scratch);
-  return 0;
+  all_ran = run_gis_family(gis_sizes, scratch) && all_ran;
+  return all_ran ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::vector<std::string> args(argv + 1, argv + argc);
+  return tesseramill_bench::status_after_output(std::cout, std::cerr, run(args));
 }

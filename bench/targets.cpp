@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "common/platform.h"
+#include "disc_room.h"
 #include "model_family.h"
 #include "model_runs.h"
 #include "target_table.h"
@@ -185,6 +186,15 @@ int run_targets(const TargetOptions& options) {
                                     : "medians of " + std::to_string(options.rounds) + " rounds")
             << "; within a round each model runs in turn"
             << (with_other ? ", this build first, then the other" : "") << ".\n\n";
+  // The largest model's folders, both builds' at once, must fit: the family
+  // gives up to a tenth more cells than its size.
+  const std::string short_of =
+      room_shortfall_at(scratch.parent_path(), options.with_1e7 ? 1.1e7 : 1.1e6, with_other ? 2 : 1);
+  if (!short_of.empty()) {
+    std::cout << "Not run: the largest model " << short_of << ".\n";
+    fs::remove_all(scratch);
+    return 1;
+  }
   for (int round = 1; round <= options.rounds; ++round) {
     for (Model& m : models) {
       // Each run has a fresh folder of its own, removed once it is measured

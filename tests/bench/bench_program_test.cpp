@@ -1,0 +1,48 @@
+// The benchmark program's answers to what it cannot run.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "common/platform.h"
+#include "support/scratch.h"
+
+namespace tesseramill_test {
+namespace {
+
+using tesseramill::ChildRun;
+using tesseramill::run_child;
+
+const std::string kHead =
+    "Wall seconds per phase (read: control and BLN files and checks; bound: boundary chains;\n"
+    "inter: interior emplacement; lloyd: the Lloyd passes with their map files; write: final\n"
+    "and MODFLOW 6 files), peak memory per cell, and the reference path's time as a multiple.\n\n"
+    "                     model    cells   read  bound   inter   lloyd  write   total  B/cell   ref x  same\n";
+
+// A model whose files would not fit on the scratch disc is not run: its row
+// says what is short, and the status says that not every model ran.  No
+// disc holds the 3.3 million GB of a trillion cells.
+TEST(BenchProgram, AModelTooLargeForTheDiscIsNotRun) {
+  ScratchDir dir;
+  const ChildRun run = run_child(dir.path(), TESSERAMILL_BENCH_BINARY, {"--sizes", "1e12"});
+  EXPECT_EQ(run.status, 1);
+  const std::string output = lf_line_ends(run.output);
+  const std::string row = "     family 1e12, 3 passes  (not run: needs about 3300000.0 GB free in ";
+  ASSERT_EQ(output.substr(0, kHead.size() + row.size()), kHead + row) << output;
+  EXPECT_NE(output.find(" GB)\n", kHead.size() + row.size()), std::string::npos) << output;
+  EXPECT_EQ(output.find('\n', kHead.size() + row.size()), output.size() - 1) << output;
+}
+
+// A size is a number of cells above 0; anything else is refused with the
+// usage, before any model is written.
+TEST(BenchProgram, ASizeThatIsNoCountOfCellsIsRefused) {
+  ScratchDir dir;
+  for (const std::string size : {"0", "-5", "abc", "inf", "gis0"}) {
+    const ChildRun run = run_child(dir.path(), TESSERAMILL_BENCH_BINARY, {"--sizes", size});
+    EXPECT_EQ(run.status, 2) << size;
+    EXPECT_EQ(lf_line_ends(run.output).rfind("usage: tesseramill-bench [--sizes", 0), 0u) << size;
+  }
+}
+
+}  // namespace
+}  // namespace tesseramill_test
