@@ -7,6 +7,7 @@
 #include <numeric>
 
 #include "common/run_state.h"
+#include "emplacement/grid_steps.h"
 #include "emplacement/interior_emplacement.h"
 #include "geometry/local_separation.h"
 #include "geometry/planar_tools.h"
@@ -370,23 +371,9 @@ void strike_run(std::uint8_t* p, std::size_t n) {
 // candidates to the tests one by one.
 void strike_squares(ProposalScratch& f, const Grid& g, double h, double x0, double y0, double limit_lo) {
   const double per_h = 1.0 / h;
-  // The first column or row at or after t candidates from the seed, and the
-  // last at or before, within the grid or just past it when t is; a value
-  // that is no number gives the grid's edge.  Rounding up and down by the
-  // integer conversion spares the platform's ceil and floor.
   const std::int32_t half = g.half;
-  auto first_index = [&](double t) {
-    if (!(t > -half)) return -half;
-    if (t > half) return half + 1;
-    const std::int32_t i = static_cast<std::int32_t>(t);
-    return i < t ? i + 1 : i;
-  };
-  auto last_index = [&](double t) {
-    if (!(t < half)) return half;
-    if (t < -half) return -half - 1;
-    const std::int32_t i = static_cast<std::int32_t>(t);
-    return i > t ? i - 1 : i;
-  };
+  auto first_index = [half](double t) { return first_step(t, half); };
+  auto last_index = [half](double t) { return last_step(t, half); };
   for (std::size_t p = 0; p < f.near_x.size(); ++p) {
     const double px = f.near_x[p];
     const double py = f.near_y[p];
