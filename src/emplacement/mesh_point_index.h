@@ -67,8 +67,10 @@ struct MeshPointIndex {
   std::vector<Extent> extents;  // one for each cell
   // The leaves' points, kMeshIndexLeafPoints places to a block, one block
   // to a leaf; a leaf at the deepest level that holds more keeps the rest
-  // in `overflow`, at the place `overflow_of` gives for its block.
-  std::vector<Entry> blocks;
+  // in `overflow`, at the place `overflow_of` gives for its block.  A new
+  // block's places are left unwritten: a leaf's places past its count are
+  // never read.
+  EntryList blocks;
   std::vector<std::int32_t> overflow_of;
   std::vector<std::vector<Entry>> overflow;
   std::vector<Entry> elsewhere;
