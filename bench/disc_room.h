@@ -10,10 +10,10 @@
 namespace tesseramill_bench {
 
 // The bytes a run's folder takes per cell, with a margin: the family's
-// million cells with 3 passes and with 30 leave 2.7 GB for 1,056,458 cells
-// (2,560 bytes a cell: the first and last pass's map files, the grid and
-// the simulation), the GIS-like divide of 8,000 vertices 805 MB for 317,622
-// (2,540).
+// million cells with 3 passes leave 2.87 GB for 1,076,876 cells (2,670
+// bytes a cell: the first and last pass's map files, the grid and the
+// simulation), the GIS-like divide of 8,000 vertices 844 MB for 317,622
+// (2,660).
 inline constexpr double kFolderBytesPerCell = 3000.0;
 
 // "" when `available` bytes hold `folders` run folders of about `cells`

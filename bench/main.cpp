@@ -118,7 +118,7 @@ std::vector<Row> family(const std::vector<double>& sizes, bool with_outline) {
   for (double size : sizes) {
     ModelRecipe recipe = tesseramill_bench::family_model(size);
     const std::string label = "family " + size_label(size);
-    // The family gives up to a tenth more cells than its size (1,056,458
+    // The family gives up to a tenth more cells than its size (1,076,876
     // for 1e6).
     const double cells = size * 1.1;
     if (size >= 1e6) {
