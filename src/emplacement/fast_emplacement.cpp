@@ -9,6 +9,7 @@
 #include "common/run_state.h"
 #include "emplacement/grid_steps.h"
 #include "emplacement/interior_emplacement.h"
+#include "emplacement/near_by_x.h"
 #include "geometry/local_separation.h"
 #include "geometry/planar_tools.h"
 #include "geometry/size_bounds.h"
@@ -843,27 +844,14 @@ void propose_fast(const RunState& state, ProposalScratch& f, const PointView& vi
   f.open.assign(candidates, 1);
   forget_exact(f, candidates);
 
-  // The listed points sorted by x, with their numbers; the numbers settle
-  // ties, though nothing below depends on the order among points of equal
-  // x: the strikes and the choice each take a minimum or an existence over
-  // the points.
-  std::sort(f.near.begin(), f.near.end(), [](const MeshPointIndex::Entry& a, const MeshPointIndex::Entry& b) {
-    return a.x < b.x || (a.x == b.x && a.number < b.number);
-  });
-  f.near_number.clear();
-  f.near_x.clear();
-  f.near_y.clear();
-  f.near_strike.clear();
-  // Every listed point and every candidate lies in the widest box searched;
-  // each point's strike limit was worked out with the run's slope when it
-  // was indexed.
+  // The listed points by x, with their numbers; the numbers settle ties,
+  // though nothing below depends on the order among points of equal x: the
+  // strikes and the choice each take a minimum or an existence over the
+  // points.  Every listed point and every candidate lies in the widest box
+  // searched; each point's strike limit was worked out with the run's slope
+  // when it was indexed.
   const bool sloped = slope_holds_over(state, out.xlo, out.xhi, out.ylo, out.yhi);
-  for (const MeshPointIndex::Entry& e : f.near) {
-    f.near_number.push_back(e.number);
-    f.near_x.push_back(e.x);
-    f.near_y.push_back(e.y);
-    f.near_strike.push_back(sloped ? e.strike : 0.0);
-  }
+  lay_out_near_by_x(f.near, sloped, NearArrays{f.near_number, f.near_x, f.near_y, f.near_strike});
 
   strike_near_points(state, f, g, h, x0, y0);
   // The steps after this only strike candidates, and with none open the

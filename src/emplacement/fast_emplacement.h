@@ -27,7 +27,8 @@ struct alignas(64) ProposalScratch {
   // the field's sources that matter in it, kept when first needed.
   std::vector<TileSources> tiles;
   std::vector<std::uint8_t> tile_kept;
-  // The near list's points as the indexes give them, then sorted by x.
+  // The near list's points as the indexes give them (near_by_x.h lays
+  // them out by x in the arrays below).
   MeshPointIndex::EntryList near;
   // For each point of the near list as sorted, the squared distance below
   // which it surely strikes a candidate (0 where none is known).
