@@ -27,6 +27,7 @@
 #include <vector>
 
 #include "child_process.h"
+#include "common/text_tools.h"
 #include "model_family.h"
 
 namespace fs = std::filesystem;
@@ -183,12 +184,13 @@ int main(int argc, char** argv) {
   bool do_export = args.empty();
   for (std::size_t k = 0; k + 1 < args.size(); k += 2) {
     if (args[k] == "--import") {
-      vertices = std::atoi(args[k + 1].c_str());
+      // A word that is no whole number in the range of an int is refused below.
+      if (tesseramill::read_integer(args[k + 1], vertices) != 0) vertices = 0;
       do_import = true;
     } else if (args[k] == "--folder") {
       folder = args[k + 1];
     } else if (args[k] == "--repeat") {
-      repeat = std::atoi(args[k + 1].c_str());
+      if (tesseramill::read_integer(args[k + 1], repeat) != 0) repeat = 0;
     } else if (args[k] == "--export") {
       cells = std::atof(args[k + 1].c_str());
       do_export = true;

@@ -32,6 +32,7 @@
 #include <array>
 #include <chrono>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -40,9 +41,11 @@
 #include <iostream>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "common/platform.h"
+#include "common/text_tools.h"
 #include "disc_room.h"
 #include "maths_speed.h"
 #include "model_family.h"
@@ -184,8 +187,28 @@ bool run_gis_family(const std::vector<int>& sizes, const fs::path& scratch) {
 }
 
 // A size of the GIS-like family as the command line names it ("gis2000"),
-// or 0 for any other word.
-int gis_size(const std::string& word) { return word.rfind("gis", 0) == 0 ? std::atoi(word.c_str() + 3) : 0; }
+// or 0 for any other word, a count past the range of an int among them.
+int gis_size(const std::string& word) {
+  std::int32_t vertices = 0;
+  if (word.rfind("gis", 0) != 0 || tesseramill::read_integer(std::string_view(word).substr(3), vertices) != 0) return 0;
+  return vertices > 0 ? vertices : 0;
+}
+
+// A size of the scale family as the command line names it, a count of
+// cells: a number above 0.  False for any other word.
+bool family_size(const std::string& word, double& size) {
+  size = std::atof(word.c_str());
+  return size > 0.0 && std::isfinite(size);
+}
+
+// A whole number from `least` to the largest int, as a word of the command
+// line gives it; false for any other word.
+bool whole_number_from(const std::string& word, std::int32_t least, std::int32_t& value) {
+  std::int32_t read = 0;
+  if (tesseramill::read_integer(word, read) != 0 || read < least) return false;
+  value = read;
+  return true;
+}
 
 int usage() {
   std::cerr << "usage: tesseramill-bench [--sizes 1e3,1e4,...,outline] [--binary PATH]"
@@ -202,10 +225,12 @@ int run(const std::vector<std::string>& args) {
     return tesseramill_bench::run_one(args.size() > 1 && args[1] == "--reference");
   }
   if (!args.empty() && args[0] == "--write" && args.size() >= 3) {
+    double size = 0.0;
+    if (args[1] != "outline" && gis_size(args[1]) == 0 && !family_size(args[1], size)) return usage();
     ModelRecipe recipe = args[1] == "outline"   ? outline_model()
                          : gis_size(args[1]) > 0 ? tesseramill_bench::gis_model(gis_size(args[1]))
-                                                 : tesseramill_bench::family_model(std::atof(args[1].c_str()));
-    if (args.size() > 3) recipe.max_lloyd = std::atoi(args[3].c_str());
+                                                 : tesseramill_bench::family_model(size);
+    if (args.size() > 3 && !whole_number_from(args[3], 0, recipe.max_lloyd)) return usage();
     tesseramill_bench::write_model(recipe, args[2]);
     return 0;
   }
@@ -216,8 +241,8 @@ int run(const std::vector<std::string>& args) {
   if (!args.empty() && args[0] == "--targets") {
     tesseramill_bench::TargetOptions options;
     for (std::size_t k = 1; k < args.size(); ++k) {
-      if (args[k] == "--rounds" && k + 1 < args.size() && std::atoi(args[k + 1].c_str()) >= 1) {
-        options.rounds = std::atoi(args[++k].c_str());
+      if (args[k] == "--rounds" && k + 1 < args.size() && whole_number_from(args[k + 1], 1, options.rounds)) {
+        ++k;
       } else if (args[k] == "--binary" && k + 1 < args.size()) {
         options.other_binary = args[++k];
       } else if (args[k] == "--with-1e7") {
@@ -245,9 +270,8 @@ int run(const std::vector<std::string>& args) {
         } else if (gis_size(item) > 0) {
           gis_sizes.push_back(gis_size(item));
         } else {
-          // A size is a count of cells: a number above 0.
-          const double size = std::atof(item.c_str());
-          if (!(size > 0.0) || !std::isfinite(size)) return usage();
+          double size = 0.0;
+          if (!family_size(item, size)) return usage();
           sizes.push_back(size);
         }
       }

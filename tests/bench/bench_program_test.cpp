@@ -1,6 +1,7 @@
 // The benchmark program's answers to what it cannot run.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -33,15 +34,39 @@ TEST(BenchProgram, AModelTooLargeForTheDiscIsNotRun) {
   EXPECT_EQ(output.find('\n', kHead.size() + row.size()), output.size() - 1) << output;
 }
 
-// A size is a number of cells above 0; anything else is refused with the
+const std::string kUsage =
+    "usage: tesseramill-bench [--sizes 1e3,1e4,...,outline] [--binary PATH] | --targets [--rounds N] [--binary "
+    "PATH] [--with-1e7] | --write SIZE|outline DIR [MAX_LLOYD] | --triangulation SIZE | --maths\n";
+
+// A size is a number of cells above 0, or "gis" and a number of vertices
+// above 0 within the range of an int; anything else is refused with the
 // usage, before any model is written.
 TEST(BenchProgram, ASizeThatIsNoCountOfCellsIsRefused) {
   ScratchDir dir;
-  for (const std::string size : {"0", "-5", "abc", "inf", "gis0"}) {
+  for (const std::string size : {"0", "-5", "abc", "inf", "gis0", "gis-3", "gis", "gis12x", "gis2147483648",
+                                 "gis99999999999"}) {
     const ChildRun run = run_child(dir.path(), TESSERAMILL_BENCH_BINARY, {"--sizes", size});
     EXPECT_EQ(run.status, 2) << size;
-    EXPECT_EQ(lf_line_ends(run.output).rfind("usage: tesseramill-bench [--sizes", 0), 0u) << size;
+    EXPECT_EQ(lf_line_ends(run.output), kUsage) << size;
   }
+}
+
+// The rounds of the targets are a whole number from 1, and the Lloyd passes
+// of a model written alone one from 0, within the range of an int; a word
+// past that range was read as some other number.
+TEST(BenchProgram, ACountPastTheRangeOfAnIntIsRefused) {
+  ScratchDir dir;
+  const std::vector<std::vector<std::string>> refused = {
+      {"--targets", "--rounds", "99999999999"}, {"--targets", "--rounds", "0"},
+      {"--targets", "--rounds", "three"},       {"--write", "gis500", "model", "99999999999"},
+      {"--write", "gis500", "model", "-1"},     {"--write", "gis500", "model", "3x"},
+      {"--write", "gis99999999999", "model"}};
+  for (const std::vector<std::string>& args : refused) {
+    const ChildRun run = run_child(dir.path(), TESSERAMILL_BENCH_BINARY, args);
+    EXPECT_EQ(run.status, 2) << args.back();
+    EXPECT_EQ(lf_line_ends(run.output), kUsage) << args.back();
+  }
+  EXPECT_FALSE(std::filesystem::exists(dir.path() / "model"));
 }
 
 }  // namespace
