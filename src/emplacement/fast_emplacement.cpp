@@ -372,9 +372,6 @@ void strike_run(std::uint8_t* p, std::size_t n) {
 // candidates to the tests one by one.
 void strike_squares(ProposalScratch& f, const Grid& g, double h, double x0, double y0, double limit_lo) {
   const double per_h = 1.0 / h;
-  const std::int32_t half = g.half;
-  auto first_index = [half](double t) { return first_step(t, half); };
-  auto last_index = [half](double t) { return last_step(t, half); };
   for (std::size_t p = 0; p < f.near_x.size(); ++p) {
     const double px = f.near_x[p];
     const double py = f.near_y[p];
@@ -383,10 +380,10 @@ void strike_squares(ProposalScratch& f, const Grid& g, double h, double x0, doub
     const double limit = std::max(limit_lo, f.near_strike[p]);
     if (!(limit > 0.0)) continue;
     const double half_side = std::sqrt(limit) * 0.7071;
-    const std::int32_t klo = first_index((px - half_side - x0) * per_h);
-    const std::int32_t khi = last_index((px + half_side - x0) * per_h);
-    const std::int32_t jlo = first_index((py - half_side - y0) * per_h);
-    const std::int32_t jhi = last_index((py + half_side - y0) * per_h);
+    const std::int32_t klo = first_step((px - half_side - x0) * per_h, g.half);
+    const std::int32_t khi = last_step((px + half_side - x0) * per_h, g.half);
+    const std::int32_t jlo = first_step((py - half_side - y0) * per_h, g.half);
+    const std::int32_t jhi = last_step((py + half_side - y0) * per_h, g.half);
     if (klo > khi || jlo > jhi) continue;
     bool inside = true;
     for (std::int32_t k : {klo, khi}) {
