@@ -192,11 +192,12 @@ int main(int argc, char** argv) {
     } else if (args[k] == "--repeat") {
       if (tesseramill::read_integer(args[k + 1], repeat) != 0) repeat = 0;
     } else if (args[k] == "--export") {
-      cells = std::atof(args[k + 1].c_str());
+      cells = std::strtod(args[k + 1].c_str(), nullptr);
       do_export = true;
     }
   }
-  if ((!do_import && !do_export) || args.size() % 2 != 0 || vertices < 100 || cells < 1e3 || repeat < 1) {
+  if ((!do_import && !do_export) || args.size() % 2 != 0 || vertices < 100 || !(cells >= 1e3 && cells < INFINITY) ||
+      repeat < 1) {
     std::cerr << "usage: tesseramill-gis-bench [--import VERTICES] [--export CELLS] [--repeat N] [--folder DIR]\n";
     return 2;
   }

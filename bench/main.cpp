@@ -195,9 +195,10 @@ int gis_size(const std::string& word) {
 }
 
 // A size of the scale family as the command line names it, a count of
-// cells: a number above 0.  False for any other word.
+// cells: a finite number above 0.  False for any other word (strtod gives
+// 0 for a word that is no number and an infinity for one past the doubles).
 bool family_size(const std::string& word, double& size) {
-  size = std::atof(word.c_str());
+  size = std::strtod(word.c_str(), nullptr);
   return size > 0.0 && std::isfinite(size);
 }
 
@@ -225,18 +226,21 @@ int run(const std::vector<std::string>& args) {
     return tesseramill_bench::run_one(args.size() > 1 && args[1] == "--reference");
   }
   if (!args.empty() && args[0] == "--write" && args.size() >= 3) {
+    const int vertices = gis_size(args[1]);
     double size = 0.0;
-    if (args[1] != "outline" && gis_size(args[1]) == 0 && !family_size(args[1], size)) return usage();
-    ModelRecipe recipe = args[1] == "outline"   ? outline_model()
-                         : gis_size(args[1]) > 0 ? tesseramill_bench::gis_model(gis_size(args[1]))
-                                                 : tesseramill_bench::family_model(size);
+    if (args[1] != "outline" && vertices == 0 && !family_size(args[1], size)) return usage();
+    ModelRecipe recipe = args[1] == "outline" ? outline_model()
+                         : vertices > 0       ? tesseramill_bench::gis_model(vertices)
+                                              : tesseramill_bench::family_model(size);
     if (args.size() > 3 && !whole_number_from(args[3], 0, recipe.max_lloyd)) return usage();
     tesseramill_bench::write_model(recipe, args[2]);
     return 0;
   }
   if (!args.empty() && args[0] == "--maths" && args.size() == 1) return tesseramill_bench::time_maths();
   if (!args.empty() && args[0] == "--triangulation" && (args.size() == 2 || (args.size() == 4 && args[2] == "--points"))) {
-    return tesseramill_bench::time_triangulation(std::atof(args[1].c_str()), args.size() == 4 ? args[3] : "");
+    double size = 0.0;
+    if (!family_size(args[1], size)) return usage();
+    return tesseramill_bench::time_triangulation(size, args.size() == 4 ? args[3] : "");
   }
   if (!args.empty() && args[0] == "--targets") {
     tesseramill_bench::TargetOptions options;

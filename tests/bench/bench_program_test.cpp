@@ -43,8 +43,8 @@ const std::string kUsage =
 // usage, before any model is written.
 TEST(BenchProgram, ASizeThatIsNoCountOfCellsIsRefused) {
   ScratchDir dir;
-  for (const std::string size : {"0", "-5", "abc", "inf", "gis0", "gis-3", "gis", "gis12x", "gis2147483648",
-                                 "gis99999999999"}) {
+  for (const std::string size : {"0", "-5", "abc", "inf", "1e999", "gis0", "gis-3", "gis", "gis12x",
+                                 "gis2147483648", "gis99999999999"}) {
     const ChildRun run = run_child(dir.path(), TESSERAMILL_BENCH_BINARY, {"--sizes", size});
     EXPECT_EQ(run.status, 2) << size;
     EXPECT_EQ(lf_line_ends(run.output), kUsage) << size;
@@ -53,14 +53,17 @@ TEST(BenchProgram, ASizeThatIsNoCountOfCellsIsRefused) {
 
 // The rounds of the targets are a whole number from 1, and the Lloyd passes
 // of a model written alone one from 0, within the range of an int; a word
-// past that range was read as some other number.
+// past that range was read as some other number.  The sizes of a model
+// written alone and of the triangulation's model are checked as --sizes
+// checks its own.
 TEST(BenchProgram, ACountPastTheRangeOfAnIntIsRefused) {
   ScratchDir dir;
   const std::vector<std::vector<std::string>> refused = {
       {"--targets", "--rounds", "99999999999"}, {"--targets", "--rounds", "0"},
       {"--targets", "--rounds", "three"},       {"--write", "gis500", "model", "99999999999"},
       {"--write", "gis500", "model", "-1"},     {"--write", "gis500", "model", "3x"},
-      {"--write", "gis99999999999", "model"}};
+      {"--write", "gis99999999999", "model"},   {"--write", "1e999", "model"},
+      {"--triangulation", "abc"},               {"--triangulation", "-1e6"}};
   for (const std::vector<std::string>& args : refused) {
     const ChildRun run = run_child(dir.path(), TESSERAMILL_BENCH_BINARY, args);
     EXPECT_EQ(run.status, 2) << args.back();
