@@ -48,6 +48,15 @@ struct alignas(64) ProposalScratch {
   std::vector<std::int32_t> tile_segments;  // of close_segments, those that can reach one tile
   std::vector<std::int32_t> open_list;
   std::vector<double> seed_term;
+  // The slope by which bounds of the field carry from one candidate to
+  // another (0 where it does not hold over the seed's boxes), and the
+  // candidate where the field's bounds were last worked out, with them.
+  double carry_slope = 0.0;
+  bool bounded_any = false;
+  double bounded_x = 0.0;
+  double bounded_y = 0.0;
+  double bounded_lo = 0.0;
+  double bounded_hi = 0.0;
 };
 
 struct FastEmplacement {

@@ -235,10 +235,11 @@ TEST(FieldBounds, TilesGiveTheRectanglesBitsAlongADigitisedDivideAndARiver) {
   EXPECT_GT(expect_tiles_hold(state, 32, 600), 1000u);
 }
 
-// The floor that the field's slope gives holds the reference field at
-// distance r, along the lines from a point towards a source, where the
-// field falls exactly at its slope, and between random points; returns how
-// many pairs it was asked for.
+// The floor and the ceiling that the field's slope gives hold the
+// reference field at distance r, along the lines from a point towards a
+// source, where the field falls exactly at its slope (and, the other way,
+// rises at it), and between random points; returns how many pairs they
+// were asked for.
 int expect_floor_holds(const RunState& state, std::uint64_t seed, int pairs) {
   Random random(seed);
   double xmin, xmax, ymin, ymax;
@@ -249,6 +250,7 @@ int expect_floor_holds(const RunState& state, std::uint64_t seed, int pairs) {
   for (const BoundaryRing& line : state.inner_lines) chains.push_back(&line);
   int asked = 0;
   int tight = 0;
+  int tight_above = 0;
   for (int n = 0; n < pairs; ++n) {
     double qx = random.uniform(xmin, xmax);
     double qy = random.uniform(ymin, ymax);
@@ -279,14 +281,19 @@ int expect_floor_holds(const RunState& state, std::uint64_t seed, int pairs) {
     const double floor = field_floor(slope, at_q, r);
     EXPECT_LE(floor, at_c) << qx << " " << qy << " to " << cx << " " << cy;
     if (floor > at_c * (1.0 - 1e-3)) ++tight;
+    // From the point nearer the source back out, the field rises.
+    const double ceiling = field_ceiling(slope, at_c, r);
+    EXPECT_GE(ceiling, at_q) << cx << " " << cy << " to " << qx << " " << qy;
+    if (ceiling < at_q * (1.0 + 1e-3)) ++tight_above;
   }
-  // Along the lines towards the sources the floor comes within a
-  // thousandth of the field.
+  // Along the lines towards the sources the floor and the ceiling come
+  // within a thousandth of the field.
   EXPECT_GT(tight, pairs / 50) << tight;
+  EXPECT_GT(tight_above, pairs / 50) << tight_above;
   return asked;
 }
 
-TEST(FieldBounds, TheFieldFallsNoFasterThanItsSlope) {
+TEST(FieldBounds, TheFieldFallsAndRisesNoFasterThanItsSlope) {
   for (double growth : {1.25, 1.05, 2.0}) {
     tesseramill_test::ScratchDir dir;
     RunState state;
