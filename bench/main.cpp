@@ -13,9 +13,10 @@
 //   tesseramill-bench --binary PATH   also time another build of the program
 //                                     on each model (whole run only)
 //   tesseramill-bench --targets [--rounds N] [--binary PATH] [--with-1e7]
-//                                     the speed targets, each model in turn
-//                                     and each figure the median of N rounds
-//                                     (3 unless told; targets.h)
+//                                     the speed targets, each GIS-like model
+//                                     back to back with the family's of its
+//                                     size, and each figure the median of N
+//                                     rounds (3 unless told; targets.h)
 //   tesseramill-bench --write SIZE|outline|gisN DIR [MAX_LLOYD]
 //                                     write one model of the family and stop
 //   tesseramill-bench --triangulation SIZE [--points FILE]

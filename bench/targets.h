@@ -1,7 +1,8 @@
 // The speed targets: GIS-like models at the family's interior cost per cell,
 // the family's million cells in a set time and with little system time, and
-// optionally ten million cells in a set time and memory.  Each model runs in
-// turn within a round, and each figure is the median of the rounds.
+// optionally ten million cells in a set time and memory.  Within a round
+// each GIS-like model runs back to back with the family's model of its
+// size, and each figure is the median of the rounds.
 #pragma once
 
 #include <string>
@@ -10,8 +11,10 @@ namespace tesseramill_bench {
 
 struct TargetOptions {
   int rounds = 3;
-  // Another build of the program, run on each model right after this one;
-  // its whole runs are timed and its files compared with this build's.
+  // Another build of the program, run on the models of a group (a GIS-like
+  // model and the family's of its size, or one model alone) right after
+  // this one; its whole runs are timed and its files compared with this
+  // build's.
   std::string other_binary;
   bool with_1e7 = false;
 };
