@@ -175,8 +175,9 @@ int finish(const std::vector<Model>& models, bool with_other, const TargetOption
   return all_ok ? 0 : 1;
 }
 
-// The runs of one model of a round, and what they measured; false when a
-// run did not finish (the model is then marked and the targets end).
+// Runs this build on model m in folder `mine` for one round, and keeps what
+// the run (and the run again in its folder, where asked) measured; false
+// when a run did not finish, the model then marked so.
 bool time_this_build(Model& m, const fs::path& mine) {
   write_model(m.recipe, mine);
   const Timing t = time_library(mine, false);
@@ -208,6 +209,10 @@ bool time_this_build(Model& m, const fs::path& mine) {
   return true;
 }
 
+// Runs the other build on model m in folder `theirs`, after this build's
+// run of the same round, and keeps its time, its ratio to this build's and,
+// where asked, whether the two wrote the same files; false when it did not
+// finish, the model then marked so.
 bool time_other_build(Model& m, const std::string& binary, const fs::path& mine, const fs::path& theirs,
                       bool compare) {
   write_model(m.recipe, theirs);
