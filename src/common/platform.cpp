@@ -248,8 +248,23 @@ ChildRun run_child(const std::filesystem::path& folder, const std::string& progr
   PROCESS_INFORMATION process{};
   const std::wstring program_wide = wide(program);
   const std::wstring folder_wide = folder.wstring();
-  const bool started = CreateProcessW(program_wide.c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                                      folder_wide.c_str(), &startup, &process) != 0;
+  // Wine has been seen to fail the start of a program that is there (once
+  // in a whole run of the tests, its server busy with the other half of
+  // them), so a failed start of an existing program is tried again up to
+  // four times, 50 to 400 ms apart, before it counts as a program that
+  // cannot be started.  A program that is not there is not waited for.
+  bool started = false;
+  for (int attempt = 0; attempt < 5 && !started; ++attempt) {
+    if (attempt > 0) {
+      if (GetFileAttributesW(program_wide.c_str()) == INVALID_FILE_ATTRIBUTES) break;
+      Sleep(50u << (attempt - 1));
+    }
+    // CreateProcessW may write into the command line it is given, so each
+    // attempt is given a fresh copy.
+    std::wstring attempt_line = line;
+    started = CreateProcessW(program_wide.c_str(), attempt_line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                             folder_wide.c_str(), &startup, &process) != 0;
+  }
   if (!started) run.status = 127;
   // The pipe ends at the child's exit only once no copy of its write end is
   // left open here.
