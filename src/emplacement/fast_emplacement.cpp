@@ -776,9 +776,11 @@ void finish_fast_emplacement(RunState& state) {
   FastEmplacement& f = state.fast_emplacement;
   const std::int64_t shared_seeds = f.shared_seeds;
   const std::int64_t proposed_again = f.proposed_again;
+  const std::int64_t passed_over = f.passed_over;
   f = FastEmplacement{};
   f.shared_seeds = shared_seeds;
   f.proposed_again = proposed_again;
+  f.passed_over = passed_over;
 }
 
 PointView run_points(const RunState& state) {
@@ -805,6 +807,30 @@ void entries_in_view(const PointView& view, double xlo, double xhi, double ylo, 
 void propose_fast(const RunState& state, ProposalScratch& f, const PointView& view, std::int32_t seed,
                   Proposal& out) {
   out = Proposal{};
+  // A seed that chose nothing on the grid of its first box chooses nothing
+  // at any later turn, and is passed over.  Between its turns only mesh
+  // points are added, and none moves: the field at the seed and at every
+  // candidate, the domain and the boundaries stay as they were, and the
+  // first box's near list can only grow, so it still holds five points or
+  // more and the grid is the same.  A candidate outside the domain or too
+  // near a boundary stays struck, and so does one struck by a listed point,
+  // which is still listed: the candidates open before the
+  // isolated-candidate passes are the same or fewer.  Those passes keep
+  // that order: along the scan, a candidate open in both that the larger
+  // set strikes has its four neighbours struck there at its turn, so in the
+  // smaller set too, which strikes it as well.  So the open set ends empty
+  // again, and the choice finds nothing.  note_outcome marks a seed only
+  // from an outcome that is the literal steps' among all the run's points
+  // at the seed's turn.  Each point is a seed at two turns of the default
+  // SAFETY; on the GIS-like divide of 8,000 vertices 61,583 of the 609,486
+  // proposals of the shared cycles are passed over so, on the family's
+  // 311,225 cells 31,037 of 606,728.
+  const std::vector<std::uint8_t>& stays_empty = state.fast_emplacement.stays_empty;
+  if (seed >= 1 && static_cast<std::size_t>(seed) <= stays_empty.size() &&
+      stays_empty[static_cast<std::size_t>(seed - 1)] != 0) {
+    out.passed_over = true;
+    return;
+  }
   const double growth = state.control.poly_growth_rate;
   const std::int32_t nsdim = state.control.nsdim;
   const std::int32_t half = nsdim / 2;
@@ -850,6 +876,7 @@ void propose_fast(const RunState& state, ProposalScratch& f, const PointView& vi
     out.searched = true;
     if (f.near.size() >= 5) break;
     box *= growth;
+    out.grown = true;
   }
 
   bound_field(state, g.x(-g.half), g.x(g.half), g.y(-g.half), g.y(g.half), f.field);
@@ -911,9 +938,18 @@ void propose_fast(const RunState& state, ProposalScratch& f, const PointView& vi
   }
 }
 
+void note_outcome(RunState& state, std::int32_t seed, const Proposal& proposal) {
+  FastEmplacement& f = state.fast_emplacement;
+  if (proposal.passed_over) ++f.passed_over;
+  if (proposal.literal || proposal.chosen || proposal.grown || proposal.passed_over || seed < 1) return;
+  if (f.stays_empty.size() < static_cast<std::size_t>(seed)) f.stays_empty.resize(static_cast<std::size_t>(seed), 0);
+  f.stays_empty[static_cast<std::size_t>(seed - 1)] = 1;
+}
+
 bool choose_from_seed_fast(RunState& state, std::int32_t seed, double& x, double& y, double& separation) {
   Proposal proposal;
   propose_fast(state, state.fast_emplacement.scratch, run_points(state), seed, proposal);
+  note_outcome(state, seed, proposal);
   separation = std::numeric_limits<double>::quiet_NaN();
   if (proposal.literal) return choose_from_seed_reference(state, seed, x, y);
   x = proposal.x;

@@ -69,6 +69,11 @@ struct FastEmplacement {
   MeshPointIndex mesh_index;
   std::vector<double> separations;
   std::vector<double> strikes;
+  // For each point, 1 once it has proposed nothing as a seed on the grid of
+  // its first box: it will propose nothing again (see propose_fast).
+  std::vector<std::uint8_t> stays_empty;
+  // The proposals passed over so.
+  std::int64_t passed_over = 0;
   // The slope of the field at the run's growth rate (growth_slope), when
   // it has one.
   bool has_slope = false;
@@ -130,6 +135,12 @@ struct Proposal {
   // none outside it played any part.  Without it, the outcome depends on no
   // mesh point at all but the seed.
   bool searched = false;
+  // The seed's search box grew past its first: the grid is not the one
+  // laid at the field at the seed.
+  bool grown = false;
+  // The seed was passed over, as one that proposed nothing before on the
+  // grid of its first box (note_outcome).
+  bool passed_over = false;
   // The field at the chosen candidate, when it was worked out; NaN when not.
   double separation = std::numeric_limits<double>::quiet_NaN();
   double xlo = 0.0;
@@ -153,7 +164,7 @@ void index_run_point(RunState& state, std::int32_t number, double separation);
 double point_strike(const FastEmplacement& f, double separation);
 
 // Frees the indexes and tables of the fast proposal once the interior is
-// filled; the counts of shared and proposed-again seeds stay.
+// filled; the counts of shared, proposed-again and passed-over seeds stay.
 void finish_fast_emplacement(RunState& state);
 
 // Every mesh point of the run, as the index holds them.
@@ -163,6 +174,11 @@ PointView run_points(const RunState& state);
 // numbers in the view and their coordinates, in no set order.
 void entries_in_view(const PointView& view, double xlo, double xhi, double ylo, double yhi,
                      MeshPointIndex::EntryList& out);
+
+// Records the outcome of a proposal of seed `seed` that the literal steps
+// would give among all the run's points at the seed's turn: a seed that
+// chose nothing on the grid of its first box is passed over from then on.
+void note_outcome(RunState& state, std::int32_t seed, const Proposal& proposal);
 
 // What the literal steps of seed `seed` (one of the run's points in `view`)
 // choose among the points of `view`, worked out with indexes and bounds;

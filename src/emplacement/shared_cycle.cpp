@@ -187,7 +187,14 @@ std::int32_t propose_in_parts(RunState& state, std::int32_t first, std::int32_t 
     double x = proposal.x;
     double y = proposal.y;
     double separation = std::numeric_limits<double>::quiet_NaN();
-    if (!stands) {
+    // A proposal that stands has the sequential run's outcome at this turn,
+    // and one made again is the sequential run's own, so the seeds to pass
+    // over at later turns are marked here, in seed order, as the
+    // sequential run marks them; the parts only read the marks of earlier
+    // cycles, which nothing writes while they propose.
+    if (stands) {
+      note_outcome(state, s, proposal);
+    } else {
       ++again;
       chosen = choose_from_seed_fast(state, s, x, y, separation);
     }
