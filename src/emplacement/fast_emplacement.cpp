@@ -424,6 +424,15 @@ void strike_squares(ProposalScratch& f, const Grid& g, double h, double x0, doub
   }
 }
 
+// Whether a point of a row at squared distance d2 from a candidate strikes
+// it for sure, by the lower bound `near_lo` of the clearance there or by
+// its own limit `strike`; otherwise the nearest distance so far is kept.
+inline bool strikes_surely(double d2, double strike, double near_lo, double& d2min) {
+  if (near_lo > d2 || strike > d2) return true;
+  d2min = std::min(d2min, d2);
+  return false;
+}
+
 // Strikes the candidates that a listed point lies too close to: first whole
 // squares of sure strikes, then the rest row by row, where a row sees only
 // the points within the largest clearance of it, and a candidate only those
@@ -432,10 +441,6 @@ void strike_near_points(const RunState& state, ProposalScratch& f, const Grid& g
   const double limit_lo = clearance(f.field.lo);
   const double limit_hi = clearance(f.field.hi);
   strike_squares(f, g, h, x0, y0, limit_lo);
-  // A point farther than `window` in x has dx * dx above limit_hi, and its
-  // squared distance too, since adding dy * dy cannot lower a rounded sum;
-  // the window is taken generously, as the comparisons inside it are exact.
-  const double window = std::sqrt(limit_hi) * 1.001 + 1e-9 * (std::fabs(g.x(-g.half)) + std::fabs(g.x(g.half)));
   for (std::int32_t j = -g.half; j <= g.half; ++j) {
     if (!any_open_in_run(f.open.data() + g.at(-g.half, j), static_cast<std::size_t>(g.nsdim))) {
       continue;  // the whole row is struck already
@@ -456,21 +461,30 @@ void strike_near_points(const RunState& state, ProposalScratch& f, const Grid& g
       f.row_strike[row_size] = f.near_strike[p];
       row_size += limit_hi > dy2 ? 1 : 0;
     }
-    std::size_t first = 0;
+    // The first point of the row at or right of the candidate; the
+    // candidates come from the left, so it only moves right.
+    std::size_t mid = 0;
     const std::size_t row_tiles = static_cast<std::size_t>((j + g.half) / kTileSide * tiles_per_side(g));
     for (std::int32_t k = -g.half; k <= g.half; ++k) {
       if (f.open[g.at(k, j)] == 0) continue;
       const double x = g.x(k);
-      while (first < row_size && f.row_x[first] < x - window) ++first;
+      while (mid < row_size && f.row_x[mid] < x) ++mid;
       // Once the candidate's tile is kept its bounds hold at the candidate
       // too, and they are narrower than the rectangle's: the clearance
       // rises with s, rounding included, so a point closer than the
       // clearance of the tile's lower bound strikes the candidate, and none
       // as far as that of its upper bound does.  A point at least that far
       // in x lies at least that far, as adding dy * dy cannot lower a
-      // rounded sum, and so do the points after it, sorted by x: the
-      // nearest point that can strike lies before them, and a candidate
-      // whose nearest point lies farther is struck by none.
+      // rounded sum, and so do the points beyond it on its side, sorted by
+      // x, as the rounded difference and its square only grow outwards.
+      // None of them strikes: not by near_lo, which is at most near_hi, nor
+      // by its own limit, which strikes only where the clearance exceeds
+      // the distance (strike_limit), and the clearance is at most near_hi.
+      // So the points are taken outwards from the candidate on each side,
+      // up to the first that far in x; the nearest point that can strike
+      // lies among them, and a candidate whose nearest point lies farther
+      // is struck by none.  Whether the candidate is struck is an existence
+      // over the points, so the order they are taken in plays no part.
       double near_lo = limit_lo;
       double near_hi = limit_hi;
       const std::size_t t = row_tiles + static_cast<std::size_t>((k + g.half) / kTileSide);
@@ -478,20 +492,20 @@ void strike_near_points(const RunState& state, ProposalScratch& f, const Grid& g
         near_lo = std::max(near_lo, clearance(f.tiles[t].lo));
         near_hi = std::min(near_hi, clearance(f.tiles[t].hi));
       }
+      // A point's own limit strikes only candidates that the rectangle's
+      // upper bound lets it reach, so the points left out of the row above
+      // strike none by it either.
       bool struck = false;
       double d2min = INFINITY;
-      for (std::size_t q = first; q < row_size && f.row_x[q] <= x + window; ++q) {
+      for (std::size_t q = mid; q < row_size && !struck; ++q) {
         const double dx = x - f.row_x[q];
-        if (dx < 0.0 && !(near_hi > dx * dx)) break;
-        const double d2 = dx * dx + f.row_dy2[q];
-        // A point's own limit strikes only candidates that the rectangle's
-        // upper bound lets it reach, so the points left out of the row
-        // above strike none by it either.
-        if (near_lo > d2 || f.row_strike[q] > d2) {
-          struck = true;
-          break;
-        }
-        d2min = std::min(d2min, d2);
+        if (!(near_hi > dx * dx)) break;
+        struck = strikes_surely(dx * dx + f.row_dy2[q], f.row_strike[q], near_lo, d2min);
+      }
+      for (std::size_t q = mid; q-- > 0 && !struck;) {
+        const double dx = x - f.row_x[q];
+        if (!(near_hi > dx * dx)) break;
+        struck = strikes_surely(dx * dx + f.row_dy2[q], f.row_strike[q], near_lo, d2min);
       }
       if (!struck && near_hi > d2min) struck = struck_by_point(state, f, g, k, j, d2min);
       if (struck) f.open[g.at(k, j)] = 0;
