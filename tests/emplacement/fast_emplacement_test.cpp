@@ -34,10 +34,10 @@ constexpr int kPassedOverChecked = 60;
 
 // Replays the emplacement cycles on a model with the fast path, asks the
 // literal steps too at every `every`th seed and at the first seeds that
-// the fast path passed over, and appends the candidate.  Stops after `most` proposals.
-// Checking a share of the seeds keeps the slow literal steps few while the
-// replay reaches deep into the domain; whole runs compare every proposal's
-// outcome.  The field that a proposal works out at its point, from the
+// the fast path passed over, and appends the candidate.  Stops after
+// `most` proposals.  Checking a share of the seeds keeps the slow literal
+// steps few while the replay reaches deep into the domain; whole runs
+// compare every proposal's outcome.  The field that a proposal works out at its point, from the
 // sources its bounds kept, must be the very bits of local_separation
 // there, at every seed, and of the literal field at the checked ones.
 // Gives how many seeds were passed over.
