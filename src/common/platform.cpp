@@ -46,6 +46,29 @@ std::string path_to_utf8(const std::filesystem::path& path) {
   return std::string(reinterpret_cast<const char*>(text.data()), text.size());
 }
 
+// Why a large output file is written over where it stands.  Emptying a
+// file frees its blocks, and a disc mounted to tell the device of every
+// freed block (discard, as on the benchmark machine) waits on the device
+// for it: 0.25 to 0.30 s for each of the map files of 430 MB of a million
+// cells, some 1.6 s for the files a run again in the same folder replaces,
+// and the blocks of the new files are then found and taken again.  Turned
+// to zeros where they stand (FALLOC_FL_ZERO_RANGE, which marks the blocks
+// unwritten and frees none), the old bytes are gone at once, as emptying
+// leaves them, and the new ones go into the same blocks; cut_file_at then
+// frees only what lies past the new length.  A million cells with 3
+// passes run again in their folder took 0.859 and 0.938 of the time of
+// emptying (farm-bench, two sets of 5 pairs, each pair faster).
+//
+// What the file ends as is what emptying and writing gives: the bytes
+// written, up to the cut.  A run that fails closes its files through the
+// same steps, so each ends where its writing stopped.  A run killed while
+// writing leaves zeros where emptying would have left nothing.  The file
+// keeps what emptying keeps too: its owner, permissions and links.  Where
+// the file system does not turn bytes to zeros in place, the file is
+// emptied (ftruncate to 0), so no old byte is ever left; where the file
+// cannot be opened for writing, fopen is asked, and refuses it as before.
+constexpr std::int64_t kOverwriteFromBytes = std::int64_t{16} << 20;
+
 // Why the written pages are let go of.  A run of a million cells writes
 // some 2.9 GB of files and reads none of them again.  Left in the cache,
 // every page of them takes a page of free memory, and on a virtual machine
@@ -356,6 +379,16 @@ std::int64_t process_id() { return static_cast<std::int64_t>(GetCurrentProcessId
 
 const char* screen_line_end() { return "\r\n"; }
 
+std::FILE* open_file_replacing(const std::string& name, bool& cut_at_close) {
+  cut_at_close = false;
+  return open_file(name, "wb");
+}
+
+bool cut_file_at(std::FILE* file, std::uint64_t length) {
+  (void)length;
+  return std::fflush(file) == 0;
+}
+
 bool keep_freed_memory() { return false; }
 
 bool freed_memory_kept() { return false; }
@@ -363,6 +396,38 @@ bool freed_memory_kept() { return false; }
 #else
 
 std::FILE* open_file(const std::string& name, const char* mode) { return std::fopen(name.c_str(), mode); }
+
+std::FILE* open_file_replacing(const std::string& name, bool& cut_at_close) {
+  cut_at_close = false;
+#ifdef __linux__
+  const std::int64_t from = overwrite_from_bytes_for_tests > 0 ? overwrite_from_bytes_for_tests : kOverwriteFromBytes;
+  struct stat named {};
+  if (::stat(name.c_str(), &named) != 0 || !S_ISREG(named.st_mode) || named.st_size < from) {
+    return open_file(name, "wb");
+  }
+  const int descriptor = ::open(name.c_str(), O_WRONLY | O_CLOEXEC);
+  if (descriptor < 0) return open_file(name, "wb");
+  struct stat opened {};
+  const bool zeroed = ::fstat(descriptor, &opened) == 0 && S_ISREG(opened.st_mode) &&
+                      ::fallocate(descriptor, FALLOC_FL_ZERO_RANGE | FALLOC_FL_KEEP_SIZE, 0, opened.st_size) == 0;
+  // fdopen's "w" neither empties nor moves: the stream writes from the start.
+  std::FILE* file = nullptr;
+  if (zeroed || ::ftruncate(descriptor, 0) == 0) file = ::fdopen(descriptor, "wb");
+  if (file == nullptr) {
+    ::close(descriptor);
+    return open_file(name, "wb");
+  }
+  cut_at_close = true;
+  return file;
+#else
+  return open_file(name, "wb");
+#endif
+}
+
+bool cut_file_at(std::FILE* file, std::uint64_t length) {
+  if (std::fflush(file) != 0) return false;
+  return ::ftruncate(::fileno(file), static_cast<off_t>(length)) == 0;
+}
 
 static std::vector<std::string> words_of(int argc, const char* const* argv) {
   return std::vector<std::string>(argv, argv + argc);

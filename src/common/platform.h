@@ -23,6 +23,26 @@ namespace tesseramill {
 // go as they stand.  Gives nullptr when the file cannot be opened.
 std::FILE* open_file(const std::string& name, const char* mode);
 
+// Opens `name` for writing as open_file(name, "wb") does: afterwards the
+// file of that name holds none of its old bytes.  On Linux a regular file
+// of kOverwriteFromBytes or more keeps its place on disc: its bytes are
+// turned to zeros where they stand and the new ones are written over them,
+// and `cut_at_close` is set: the caller then cuts the file at the length
+// it wrote with cut_file_at before closing it.  Elsewhere, and wherever
+// that cannot be done, the file is emptied as fopen empties it and
+// `cut_at_close` is left false.  Gives nullptr when the file cannot be
+// opened for writing, as open_file does.
+std::FILE* open_file_replacing(const std::string& name, bool& cut_at_close);
+
+// Ends `file`, opened by open_file_replacing with `cut_at_close` set, at
+// `length` bytes, after writing out what its stream holds; false when
+// either fails.
+bool cut_file_at(std::FILE* file, std::uint64_t length);
+
+// The size from which open_file_replacing writes over a file where it
+// stands (16 MB); a test may lower it.
+inline std::int64_t overwrite_from_bytes_for_tests = 0;
+
 // How much of an output file has been handed to it, and how much of that
 // the system has been asked to write out and then to drop from its cache
 // (release_written).

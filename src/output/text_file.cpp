@@ -38,7 +38,7 @@ bool try_open_output(OutputFile& out, const std::string& name) {
   close_output(out);
   out.name = fit_field(name, kFileNameLength);
   // A name holding a NUL byte names no file; the part before it is another file.
-  if (out.name.find('\0') == std::string::npos) out.file = open_file(out.name, "wb");
+  if (out.name.find('\0') == std::string::npos) out.file = open_file_replacing(out.name, out.cut_at_close);
   if (out.file == nullptr) return false;
   out.failed = false;
   out.written = WrittenSpan{};
@@ -147,6 +147,9 @@ void put_blocks(OutputFile& out, std::size_t blocks, const BlockFormat& format_b
 void close_output(OutputFile& out) {
   if (out.file == nullptr) return;
   flush(out);
+  // Every byte the file was given went through hand_over, which counts it.
+  if (out.cut_at_close && !cut_file_at(out.file, out.written.given)) out.failed = true;
+  out.cut_at_close = false;
   if (std::fclose(out.file) != 0) out.failed = true;
   out.file = nullptr;
 }
@@ -154,6 +157,7 @@ void close_output(OutputFile& out) {
 void empty_output(OutputFile& out) {
   if (out.file != nullptr) std::fclose(out.file);
   out.file = nullptr;
+  out.cut_at_close = false;
   out.pending.clear();
   // Opening the name again for writing empties the file, whether or not
   // its filling had closed it.

@@ -23,6 +23,9 @@ struct OutputFile {
   bool failed = false;
   // What the file has been given, and how much of it has been let go of.
   WrittenSpan written;
+  // Set when the file is written over where it stands and must be cut at
+  // its length when closed (open_file_replacing).
+  bool cut_at_close = false;
 
   OutputFile() = default;
   OutputFile(const OutputFile&) = delete;

@@ -163,6 +163,81 @@ TEST(Platform, ProgramNotOnPath) {
   EXPECT_FALSE(tesseramill::find_on_path("tesseramill_no_such_program").has_value());
 }
 
+// open_file_replacing on Linux writes over a file of the lowered size or
+// more where it stands, and asks for the cut; below it, where there is no
+// file, and on Windows, it empties the file as fopen does.  Either way the
+// file holds no old byte once open, and ends with what was written.
+TEST(Platform, ReplacingFileAsksForTheCutFromItsSize) {
+  struct Case {
+    std::size_t old_size;  // 0: no file there
+    bool cut;              // on Linux
+  };
+  tesseramill::overwrite_from_bytes_for_tests = 4096;
+  for (const Case c : {Case{0, false}, Case{4095, false}, Case{4096, true}, Case{70000, true}}) {
+    ScratchDir dir;
+    if (c.old_size > 0) dir.write("grid.disv", std::string(c.old_size, 'o'));
+    bool cut = !c.cut;
+    std::FILE* file = tesseramill::open_file_replacing((dir.path() / "grid.disv").string(), cut);
+    ASSERT_NE(file, nullptr);
+#ifdef __linux__
+    EXPECT_EQ(cut, c.cut) << c.old_size;
+#else
+    EXPECT_FALSE(cut) << c.old_size;
+#endif
+    EXPECT_EQ(dir.read("grid.disv").find('o'), std::string::npos) << c.old_size;
+    ASSERT_GE(std::fputs("new", file), 0);
+    if (cut) {
+      EXPECT_TRUE(tesseramill::cut_file_at(file, 3));
+    }
+    ASSERT_EQ(std::fclose(file), 0);
+    EXPECT_EQ(dir.read("grid.disv"), "new") << c.old_size;
+  }
+  tesseramill::overwrite_from_bytes_for_tests = 0;
+}
+
+#ifdef __linux__
+// Written over where it stands, a file keeps what emptying it keeps: a
+// symbolic link still names its target, which takes the new text; a second
+// hard link sees the new text too; the permissions stay; and a file this
+// process may not write is refused, its bytes untouched.
+TEST(Platform, ReplacingFileKeepsLinksAndPermissions) {
+  tesseramill::overwrite_from_bytes_for_tests = 4096;
+  ScratchDir dir;
+  const std::string old(10000, 'o');
+  auto replace = [&](const std::string& name) {
+    bool cut = false;
+    std::FILE* file = tesseramill::open_file_replacing((dir.path() / name).string(), cut);
+    if (file == nullptr) return false;
+    EXPECT_TRUE(cut) << name;
+    EXPECT_GE(std::fputs(("new " + name).c_str(), file), 0);
+    EXPECT_TRUE(tesseramill::cut_file_at(file, 4 + name.size()));
+    EXPECT_EQ(std::fclose(file), 0);
+    return true;
+  };
+  dir.write("target.mif", old);
+  fs::create_symlink("target.mif", dir.path() / "link.mif");
+  ASSERT_TRUE(replace("link.mif"));
+  EXPECT_TRUE(fs::is_symlink(dir.path() / "link.mif"));
+  EXPECT_EQ(dir.read("target.mif"), "new link.mif");
+
+  dir.write("first.bln", old);
+  fs::create_hard_link(dir.path() / "first.bln", dir.path() / "second.bln");
+  fs::permissions(dir.path() / "first.bln", fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+  ASSERT_TRUE(replace("first.bln"));
+  EXPECT_EQ(dir.read("second.bln"), "new first.bln");
+  EXPECT_EQ(fs::status(dir.path() / "first.bln").permissions() & fs::perms::all,
+            fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+
+  if (::geteuid() != 0) {  // the superuser may write any file
+    dir.write("locked.dat", old);
+    fs::permissions(dir.path() / "locked.dat", fs::perms::owner_read);
+    EXPECT_FALSE(replace("locked.dat"));
+    EXPECT_TRUE(dir.read("locked.dat") == old);
+  }
+  tesseramill::overwrite_from_bytes_for_tests = 0;
+}
+#endif
+
 // An output file's counts after each write, as release_written keeps them:
 // on Linux a request each time a step has gathered since the last, which
 // sends all that was given and drops what the request before sent;

@@ -3,9 +3,11 @@
 // pass in order would have written.
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <stdexcept>
 #include <string>
 
+#include "common/platform.h"
 #include "output/text_file.h"
 #include "support/scratch.h"
 
@@ -167,6 +169,102 @@ TEST(PutBlocks, ManyShortBlocksNeverLoseTheTurn) {
   std::string expected;
   for (std::size_t write = 0; write < kWrites; ++write) expected += one;
   EXPECT_EQ(dir.read("blocks.txt"), expected);
+}
+
+// Replacing a file that is there.  A large file (from a size that the
+// tests lower to 1,000 bytes) is written over where it stands on Linux; a
+// file of any size must end as emptying it and writing the new text leaves
+// it, and hold none of its old bytes from the moment it is opened.
+struct LowerOverwriteSize {
+  LowerOverwriteSize() { overwrite_from_bytes_for_tests = 1000; }
+  ~LowerOverwriteSize() { overwrite_from_bytes_for_tests = 0; }
+};
+
+struct Replacement {
+  std::size_t old_size;  // npos: no file there
+  std::size_t new_size;
+};
+
+void PrintTo(const Replacement& r, std::ostream* os) {
+  *os << (r.old_size == std::string::npos ? std::string("no old file") : std::to_string(r.old_size) + " old bytes")
+      << ", " << r.new_size << " new";
+}
+
+class ReplacingAFile : public testing::TestWithParam<Replacement> {};
+
+TEST_P(ReplacingAFile, EndsAsEmptyingAndWritingLeaveIt) {
+  const LowerOverwriteSize lower;
+  const ScratchDir dir;
+  const Replacement r = GetParam();
+  if (r.old_size != std::string::npos) dir.write("map.mif", std::string(r.old_size, 'o'));
+  RunState state;
+  OutputFile out;
+  open_output(state, out, (dir.path() / "map.mif").string());
+  const std::string opened = dir.read("map.mif");
+  EXPECT_EQ(opened.find('o'), std::string::npos) << "an old byte is left after the open";
+  EXPECT_EQ(opened.find_first_not_of('\0'), std::string::npos);
+  std::string expected;
+  for (std::size_t k = 0; expected.size() < r.new_size; ++k) {
+    const std::string line = "new line " + std::to_string(k);
+    put_line(out, line);
+    expected += line + "\n";
+  }
+  EXPECT_TRUE(close_output_checked(out));
+  const std::string got = dir.read("map.mif");
+  ASSERT_EQ(got.size(), expected.size());
+  EXPECT_TRUE(got == expected);
+}
+
+// Old files below and above the lowered size, none at all, and new texts
+// shorter, about as long as and longer than the old, up to several flushes
+// and a step of release_written.
+INSTANTIATE_TEST_SUITE_P(
+    OldAndNewSizes, ReplacingAFile,
+    testing::Values(Replacement{std::string::npos, 0}, Replacement{std::string::npos, 5000}, Replacement{10, 0},
+                    Replacement{10, 100}, Replacement{999, 5000}, Replacement{1000, 0}, Replacement{1000, 12},
+                    Replacement{200000, 150000}, Replacement{200000, 200000}, Replacement{200000, 450000},
+                    Replacement{9000000, 100}, Replacement{9000000, 17000000}),
+    [](const testing::TestParamInfo<Replacement>& info) {
+      const Replacement& r = info.param;
+      return (r.old_size == std::string::npos ? std::string("none") : "old" + std::to_string(r.old_size)) + "_new" +
+             std::to_string(r.new_size);
+    });
+
+// A run that fails while filling a file leaves in it what was written
+// before the failure, and nothing of the longer file it replaced.
+TEST(ReplacingAFile, FailedFillEndsWhereItsWritingStopped) {
+  const LowerOverwriteSize lower;
+  const ScratchDir dir;
+  dir.write("blocks.txt", std::string(300000, 'o'));
+  RunState state;
+  OutputFile out;
+  open_output(state, out, (dir.path() / "blocks.txt").string());
+  put_line(out, "head");
+  EXPECT_THROW(put_blocks(
+                   out, 40,
+                   [&](std::size_t block, std::string& text) {
+                     if (block == 7) throw std::runtime_error("block 7 failed");
+                     text += "block " + std::to_string(block) + "\n";
+                   },
+                   true),
+               std::runtime_error);
+  close_output(out);
+  std::string expected = "head\n";
+  for (std::size_t block = 0; block < 7; ++block) expected += "block " + std::to_string(block) + "\n";
+  EXPECT_EQ(dir.read("blocks.txt"), expected);
+}
+
+// A file left empty after a failure elsewhere is empty, whatever it held.
+TEST(ReplacingAFile, EmptiedFileIsEmpty) {
+  const LowerOverwriteSize lower;
+  const ScratchDir dir;
+  dir.write("cells.bln", std::string(300000, 'o'));
+  RunState state;
+  OutputFile out;
+  open_output(state, out, (dir.path() / "cells.bln").string());
+  put_line(out, "begun");
+  empty_output(out);
+  EXPECT_EQ(dir.read("cells.bln"), "");
 }
 
 }  // namespace
