@@ -163,6 +163,13 @@ TEST(Platform, ProgramNotOnPath) {
   EXPECT_FALSE(tesseramill::find_on_path("tesseramill_no_such_program").has_value());
 }
 
+// Lowers the size from which open_file_replacing writes over a file, for
+// the test that holds it, and restores it whatever way the test ends.
+struct LowerOverwriteSize {
+  LowerOverwriteSize() { tesseramill::overwrite_from_bytes_for_tests = 4096; }
+  ~LowerOverwriteSize() { tesseramill::overwrite_from_bytes_for_tests = 0; }
+};
+
 // open_file_replacing on Linux writes over a file of the lowered size or
 // more where it stands, and asks for the cut; below it, where there is no
 // file, and on Windows, it empties the file as fopen does.  Either way the
@@ -172,7 +179,7 @@ TEST(Platform, ReplacingFileAsksForTheCutFromItsSize) {
     std::size_t old_size;  // 0: no file there
     bool cut;              // on Linux
   };
-  tesseramill::overwrite_from_bytes_for_tests = 4096;
+  const LowerOverwriteSize lower;
   for (const Case c : {Case{0, false}, Case{4095, false}, Case{4096, true}, Case{70000, true}}) {
     ScratchDir dir;
     if (c.old_size > 0) dir.write("grid.disv", std::string(c.old_size, 'o'));
@@ -192,7 +199,6 @@ TEST(Platform, ReplacingFileAsksForTheCutFromItsSize) {
     ASSERT_EQ(std::fclose(file), 0);
     EXPECT_EQ(dir.read("grid.disv"), "new") << c.old_size;
   }
-  tesseramill::overwrite_from_bytes_for_tests = 0;
 }
 
 #ifdef __linux__
@@ -201,7 +207,7 @@ TEST(Platform, ReplacingFileAsksForTheCutFromItsSize) {
 // hard link sees the new text too; the permissions stay; and a file this
 // process may not write is refused, its bytes untouched.
 TEST(Platform, ReplacingFileKeepsLinksAndPermissions) {
-  tesseramill::overwrite_from_bytes_for_tests = 4096;
+  const LowerOverwriteSize lower;
   ScratchDir dir;
   const std::string old(10000, 'o');
   auto replace = [&](const std::string& name) {
@@ -234,7 +240,6 @@ TEST(Platform, ReplacingFileKeepsLinksAndPermissions) {
     EXPECT_FALSE(replace("locked.dat"));
     EXPECT_TRUE(dir.read("locked.dat") == old);
   }
-  tesseramill::overwrite_from_bytes_for_tests = 0;
 }
 #endif
 
