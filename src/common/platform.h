@@ -28,10 +28,12 @@ std::FILE* open_file(const std::string& name, const char* mode);
 // of kOverwriteFromBytes or more keeps its place on disc: its bytes are
 // turned to zeros where they stand and the new ones are written over them,
 // and `cut_at_close` is set: the caller then cuts the file at the length
-// it wrote with cut_file_at before closing it.  Elsewhere, and wherever
-// that cannot be done, the file is emptied as fopen empties it and
-// `cut_at_close` is left false.  Gives nullptr when the file cannot be
-// opened for writing, as open_file does.
+// it wrote with cut_file_at before closing it.  Where the file system
+// cannot make the zeros, the file is emptied in place and `cut_at_close`
+// is still set (the cut then frees nothing).  Elsewhere, and for any other
+// file, fopen opens it as open_file does and `cut_at_close` is left false.
+// Gives nullptr when the file cannot be opened for writing, as open_file
+// does.
 std::FILE* open_file_replacing(const std::string& name, bool& cut_at_close);
 
 // Ends `file`, opened by open_file_replacing with `cut_at_close` set, at

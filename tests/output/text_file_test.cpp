@@ -192,6 +192,14 @@ void PrintTo(const Replacement& r, std::ostream* os) {
 
 class ReplacingAFile : public testing::TestWithParam<Replacement> {};
 
+// Leaves a file of 300,000 old bytes named `name` in `dir` and opens it for
+// the writer, written over where it stands.
+void open_over_old_file(const ScratchDir& dir, const std::string& name, OutputFile& out) {
+  dir.write(name, std::string(300000, 'o'));
+  RunState state;
+  open_output(state, out, (dir.path() / name).string());
+}
+
 TEST_P(ReplacingAFile, EndsAsEmptyingAndWritingLeaveIt) {
   const LowerOverwriteSize lower;
   const ScratchDir dir;
@@ -235,10 +243,8 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(ReplacingAFile, FailedFillEndsWhereItsWritingStopped) {
   const LowerOverwriteSize lower;
   const ScratchDir dir;
-  dir.write("blocks.txt", std::string(300000, 'o'));
-  RunState state;
   OutputFile out;
-  open_output(state, out, (dir.path() / "blocks.txt").string());
+  open_over_old_file(dir, "blocks.txt", out);
   put_line(out, "head");
   EXPECT_THROW(put_blocks(
                    out, 40,
@@ -258,10 +264,8 @@ TEST(ReplacingAFile, FailedFillEndsWhereItsWritingStopped) {
 TEST(ReplacingAFile, EmptiedFileIsEmpty) {
   const LowerOverwriteSize lower;
   const ScratchDir dir;
-  dir.write("cells.bln", std::string(300000, 'o'));
-  RunState state;
   OutputFile out;
-  open_output(state, out, (dir.path() / "cells.bln").string());
+  open_over_old_file(dir, "cells.bln", out);
   put_line(out, "begun");
   empty_output(out);
   EXPECT_EQ(dir.read("cells.bln"), "");
